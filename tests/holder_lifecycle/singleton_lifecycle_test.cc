@@ -1,0 +1,80 @@
+// The singleton's state is process-wide and a release is permanent, so every
+// case runs in a child process of its own (EXPECT_EXIT) and cannot poison the
+// others, however the runner schedules them.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <thread>
+#include <vector>
+
+#include "common/global_native_imp_holder.h"
+#include "common/singleton.h"
+
+namespace {
+
+using Holder = tessel::Singleton<tessel::GlobalNativeImpHolder>;
+
+// Runs `body` in a forked child; the child exits 0 only if no expectation
+// failed.
+template <typename Body>
+void InChild(Body body) {
+  EXPECT_EXIT(
+      {
+        body();
+        std::_Exit(::testing::Test::HasFailure() ? 1 : 0);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+TEST(SingletonLifecycle, OrdinaryCallsShareOneHolder) {
+  InChild([] {
+    auto first = Holder::sharedInstance(false);
+    ASSERT_TRUE(first);
+    long before = first.use_count();
+    auto second = Holder::sharedInstance(false);
+    EXPECT_EQ(first.get(), second.get());
+    EXPECT_EQ(first.use_count(), before + 1);
+  });
+}
+
+TEST(SingletonLifecycle, ReleaseBeforeCreationChangesNothing) {
+  InChild([] {
+    EXPECT_FALSE(Holder::sharedInstance(true));
+    auto created = Holder::sharedInstance(false);
+    EXPECT_TRUE(created);
+    EXPECT_EQ(created.get(), Holder::sharedInstance(false).get());
+  });
+}
+
+TEST(SingletonLifecycle, ReleaseAfterCreationEmptiesForEver) {
+  InChild([] {
+    std::weak_ptr<tessel::GlobalNativeImpHolder> watch = Holder::sharedInstance(false);
+    auto detached = Holder::sharedInstance(true);
+    ASSERT_TRUE(detached);
+    EXPECT_EQ(detached.get(), watch.lock().get());
+    EXPECT_EQ(detached.use_count(), 1);  // the singleton kept no reference
+    EXPECT_FALSE(Holder::sharedInstance(false));
+    EXPECT_FALSE(Holder::sharedInstance(true));
+    detached.reset();
+    EXPECT_TRUE(watch.expired());
+    EXPECT_FALSE(Holder::sharedInstance(false));
+  });
+}
+
+TEST(SingletonLifecycle, ConcurrentFirstCallsCreateExactlyOneHolder) {
+  InChild([] {
+    constexpr int kThreads = 8;
+    std::vector<std::shared_ptr<tessel::GlobalNativeImpHolder>> seen(kThreads);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&seen, i] { seen[i] = Holder::sharedInstance(false); });
+    }
+    for (auto& t : threads) t.join();
+    for (const auto& holder : seen) {
+      ASSERT_TRUE(holder);
+      EXPECT_EQ(holder.get(), seen[0].get());
+    }
+  });
+}
+
+}  // namespace

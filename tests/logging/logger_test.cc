@@ -1,0 +1,110 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "common/logger.h"
+
+namespace {
+
+using ::testing::StrictMock;
+
+class MockSink : public tessel::ILogger {
+ public:
+  MOCK_METHOD(void, log, (const std::string&, int), (override));
+};
+
+TEST(Logger, EachLevelForwardsItsNumberAndTheExactBytes) {
+  auto sink = std::make_shared<StrictMock<MockSink>>();
+  tessel::Logger logger;
+  logger.set_inner_logger(sink);
+  const std::string raw("x\0y\n\xff", 5);
+  const std::pair<void (tessel::Logger::*)(const std::string&), int> levels[] = {
+      {&tessel::Logger::info, 0},  {&tessel::Logger::warning, 1},
+      {&tessel::Logger::debug, 2}, {&tessel::Logger::error, 3},
+      {&tessel::Logger::fatal, 4}, {&tessel::Logger::trace, 5},
+      {&tessel::Logger::verbose, 6},
+  };
+  for (const auto& [method, level] : levels) {
+    EXPECT_CALL(*sink, log(raw, level)).Times(1);
+    (logger.*method)(raw);
+    ::testing::Mock::VerifyAndClearExpectations(sink.get());
+  }
+}
+
+TEST(Logger, EmptySinkSilencesAndReleasesThePreviousOne) {
+  auto sink = std::make_shared<StrictMock<MockSink>>();
+  tessel::Logger logger;
+  logger.set_inner_logger(sink);
+  EXPECT_EQ(sink.use_count(), 2);
+  logger.set_inner_logger(nullptr);
+  EXPECT_EQ(sink.use_count(), 1);
+  // The strict mock fails the test if any of these still reaches it.
+  logger.trace("a");
+  logger.verbose("a");
+  logger.debug("a");
+  logger.info("a");
+  logger.warning("a");
+  logger.error("a");
+  logger.fatal("a");  // does not end the process either
+}
+
+TEST(Logger, CopiesShareTheSink) {
+  auto sink = std::make_shared<StrictMock<MockSink>>();
+  tessel::Logger original;
+  original.set_inner_logger(sink);
+  tessel::Logger copy(original);
+  tessel::Logger assigned;
+  assigned = original;
+  EXPECT_CALL(*sink, log("from copy", 0));
+  EXPECT_CALL(*sink, log("from assigned", 3));
+  copy.info("from copy");
+  assigned.error("from assigned");
+}
+
+TEST(Logger, SinkExceptionsReachTheCaller) {
+  auto sink = std::make_shared<MockSink>();
+  EXPECT_CALL(*sink, log).WillOnce([](const std::string&, int) {
+    throw std::runtime_error("disk full");
+  });
+  tessel::Logger logger;
+  logger.set_inner_logger(sink);
+  EXPECT_THROW(logger.info("m"), std::runtime_error);
+}
+
+TEST(SharedLogger, IsOneObjectForAllThreads) {
+  constexpr int kThreads = 8;
+  std::vector<tessel::Logger*> seen(kThreads);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&seen, i] {
+      for (int n = 0; n < 1000; ++n) {
+        auto logger = tessel::Logger::sharedLogger();
+        if (n == 0) seen[i] = logger.get();
+        ASSERT_EQ(logger.get(), seen[i]);
+        logger->info("no sink yet");
+      }
+    });
+  }
+  for (auto& t : threads) t.join();
+  for (auto* logger : seen) EXPECT_EQ(logger, seen[0]);
+  EXPECT_EQ(tessel::Logger::sharedLogger().get(), seen[0]);
+}
+
+TEST(GenerateLogPrefix, BuildsTheBracketedParts) {
+  EXPECT_EQ(tessel::GenerateLogPrefix("mail", "sync", "timeout", ""),
+            "[moduleName:mail][pointName:sync][msg:timeout]");
+  EXPECT_EQ(tessel::GenerateLogPrefix("mail", "sync", "timeout", "3f9a"),
+            "[moduleName:mail][pointName:sync][msg:timeout][fp:3f9a]");
+  EXPECT_EQ(tessel::GenerateLogPrefix("", "", "", ""), "[moduleName:][pointName:][msg:]");
+  EXPECT_EQ(tessel::GenerateLogPrefix("m", "p", "x", "0"),
+            "[moduleName:m][pointName:p][msg:x][fp:0]");
+}
+
+TEST(GenerateLogPrefix, CopiesBytesWithoutEscaping) {
+  EXPECT_EQ(tessel::GenerateLogPrefix("a:b", " p ", "a]b", "[x]"),
+            "[moduleName:a:b][pointName: p ][msg:a]b][fp:[x]]");
+}
+
+}  // namespace
