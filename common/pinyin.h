@@ -12,10 +12,10 @@
 
 // Returns the pinyin of `text` (UTF-16 code units; not modified). Per unit:
 // a code below 255 is appended as one byte (ASCII passes through; 0x80 to
-// 0xFE come out as single raw bytes, not UTF-8); a code outside the range of
-// codes the syllable table covers (U+3007 to U+9FFF here: "，", "€", emoji
-// halves) is dropped; a code inside it is replaced by its syllable, or by
-// "#" when no syllable lists it. A character with several readings gets the
+// 0xFE come out as single raw bytes, not UTF-8); a code outside the range
+// the syllable table covers (U+3007 to U+9FED with the current table, so
+// "ÿ", "€", "，" and surrogates are outside) is dropped; a code inside it is
+// replaced by its syllable, or by "#" when no syllable lists it. A character with several readings gets the
 // last of them in the table's alphabetical order ("行" gives "Xing"). No
 // separators are added: "中a国" gives "ZhongaGuo". Builds the index if absent.
 TESSEL_API std::string pinYinConvert(std::wstring& text);

@@ -9,8 +9,10 @@ sorted by name as strcmp orders bytes, which the decoder's bisection needs.
 Usage: python3 tools/gen_html_entities.py [--check] [--output PATH]
 """
 import html.entities
+import sys
 
-import table_output
+sys.dont_write_bytecode = True  # keep tools/ free of __pycache__
+import table_output  # noqa: E402
 
 EXTRA_ENTITIES = {"apos": 0x27}
 

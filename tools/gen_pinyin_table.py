@@ -21,7 +21,8 @@ import re
 import sys
 import unicodedata
 
-import table_output
+sys.dont_write_bytecode = True  # keep tools/ free of __pycache__
+import table_output  # noqa: E402
 
 UNIHAN_READINGS = "/usr/share/unicode/Unihan_Readings.txt.bz2"
 FIELDS = ("kMandarin", "kXHC1983")
