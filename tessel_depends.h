@@ -20,4 +20,8 @@
 // Logging
 #include "common/logger.h"
 
+// HTML entities and pinyin
+#include "common/html_entities.h"
+#include "common/pinyin.h"
+
 #endif  // TESSEL_DEPENDS_H_

@@ -1,0 +1,79 @@
+// The generated table itself: its size, its order (the decoder's bisection
+// needs strcmp order) and values checked against the HTML 4.01 entity sets.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <iterator>
+#include <string>
+
+#include "common/html_entities.h"
+#include "common/html_entities_table.h"
+// The committed, generated data, compiled into this test as well: the
+// library keeps its copy hidden.
+#include "common/html_entities_table.cc"
+
+namespace {
+
+using tessel::html_entities_internal::kHtmlEntities;
+using tessel::html_entities_internal::kHtmlEntityCount;
+
+TEST(HtmlEntityTable, HasTheHtml401SetPlusAposInStrcmpOrder) {
+  ASSERT_EQ(std::size(kHtmlEntities), 253u);
+  EXPECT_STREQ(kHtmlEntities[0].name, "AElig;");
+  EXPECT_STREQ(kHtmlEntities[kHtmlEntityCount - 1].name, "zwnj;");
+  for (size_t i = 1; i < kHtmlEntityCount; ++i) {
+    EXPECT_LT(std::strcmp(kHtmlEntities[i - 1].name, kHtmlEntities[i].name), 0)
+        << kHtmlEntities[i - 1].name << " before " << kHtmlEntities[i].name;
+  }
+}
+
+TEST(HtmlEntityTable, RowsAreNamesWithSemicolonAndOneCharacterValues) {
+  for (const auto& row : kHtmlEntities) {
+    const size_t name_size = std::strlen(row.name);
+    ASSERT_GE(name_size, 3u);
+    EXPECT_EQ(std::strchr(row.name, ';'), row.name + name_size - 1) << row.name;
+    const size_t value_size = std::strlen(row.value);
+    EXPECT_GE(value_size, 1u) << row.name;
+    EXPECT_LE(value_size, 3u) << row.name;
+  }
+}
+
+const char* ValueOf(const char* name) {
+  for (const auto& row : kHtmlEntities) {
+    if (std::strcmp(row.name, name) == 0) return row.value;
+  }
+  return nullptr;
+}
+
+TEST(HtmlEntityTable, CarriesTheHtml401CodePoints) {
+  // name, UTF-8 of the code point HTML 4.01 assigns it
+  const char* const kKnown[][2] = {
+      {"AElig;", "\xC3\x86"},        // U+00C6, HTMLlat1
+      {"yuml;", "\xC3\xBF"},         // U+00FF, HTMLlat1
+      {"nbsp;", "\xC2\xA0"},         // U+00A0, HTMLlat1
+      {"fnof;", "\xC6\x92"},         // U+0192, HTMLsymbol
+      {"hearts;", "\xE2\x99\xA5"},   // U+2665, HTMLsymbol
+      {"lang;", "\xE2\x8C\xA9"},     // U+2329, HTMLsymbol
+      {"euro;", "\xE2\x82\xAC"},     // U+20AC, HTMLspecial
+      {"OElig;", "\xC5\x92"},        // U+0152, HTMLspecial
+      {"amp;", "&"},                 // U+0026, HTMLspecial
+      {"apos;", "'"},                // U+0027, the one addition
+  };
+  for (const auto& known : kKnown) {
+    const char* value = ValueOf(known[0]);
+    ASSERT_NE(value, nullptr) << known[0];
+    EXPECT_STREQ(value, known[1]) << known[0];
+  }
+}
+
+// The decoder's bisection must reach every row, in any context.
+TEST(HtmlEntityTable, DecoderFindsEveryRow) {
+  for (const auto& row : kHtmlEntities) {
+    const std::string text = std::string("<&") + row.name + ">";
+    std::string dest(text.size() + 1, '\0');
+    const size_t size = decode_html_entities_utf8(&dest[0], text.c_str());
+    EXPECT_EQ(dest.substr(0, size), std::string("<") + row.value + ">") << row.name;
+  }
+}
+
+}  // namespace

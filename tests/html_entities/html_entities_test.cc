@@ -1,0 +1,167 @@
+// Expected values: the examples of the decoder's contract, code points from
+// the HTML 4.01 entity sets (HTMLlat1, HTMLsymbol, HTMLspecial), UTF-8 bytes
+// as `printf '\u...' | xxd` prints them, and strtoul's behaviour as C
+// specifies it (white space, sign, "0x" prefix in base 16, ERANGE).
+#include "common/html_entities.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+// Decodes out of place into a buffer of exactly strlen + 1 bytes, so ASan
+// catches a write past the size the contract promises is enough.
+std::string Decode(const std::string& src) {
+  std::vector<char> dest(src.size() + 1, '\x7F');
+  const size_t size = decode_html_entities_utf8(dest.data(), src.c_str());
+  EXPECT_LE(size, src.size());
+  EXPECT_EQ(dest[size], '\0');
+  return std::string(dest.data(), size);
+}
+
+std::string DecodeInPlace(const std::string& text, size_t* size) {
+  std::vector<char> buffer(text.begin(), text.end());
+  buffer.push_back('\0');
+  *size = decode_html_entities_utf8(buffer.data(), nullptr);
+  return std::string(buffer.data(), *size);
+}
+
+TEST(HtmlEntities, DecodesNamedReferencesInText) {
+  std::vector<char> dest(32);
+  EXPECT_EQ(decode_html_entities_utf8(dest.data(), "a &lt; b &amp;&amp; c"), 10u);
+  EXPECT_STREQ(dest.data(), "a < b && c");
+  EXPECT_EQ(Decode("&eacute;"), "\xC3\xA9");
+  EXPECT_EQ(Decode("&euro;"), "\xE2\x82\xAC");
+  EXPECT_EQ(Decode("&nbsp;"), "\xC2\xA0");
+  EXPECT_EQ(Decode("&apos;"), "'");
+  EXPECT_EQ(Decode("&quot;&gt;"), "\">");
+}
+
+TEST(HtmlEntities, FindsFirstAndLastNamesOfTheTable) {
+  EXPECT_EQ(Decode("&AElig;"), "\xC3\x86");      // U+00C6, first in byte order
+  EXPECT_EQ(Decode("&Zeta;"), "\xCE\x96");       // U+0396, last upper-case name
+  EXPECT_EQ(Decode("&aacute;"), "\xC3\xA1");     // U+00E1, first lower-case name
+  EXPECT_EQ(Decode("&zwnj;"), "\xE2\x80\x8C");   // U+200C, last name
+  EXPECT_EQ(Decode("&thetasym;"), "\xCF\x91");   // U+03D1, a name extending "theta"
+  EXPECT_EQ(Decode("&theta;"), "\xCE\xB8");      // U+03B8
+}
+
+TEST(HtmlEntities, NamesAreCaseSensitiveAndNeedTheirSemicolon) {
+  EXPECT_EQ(Decode("&AMP;"), "&AMP;");
+  EXPECT_EQ(Decode("&amp"), "&amp");
+  EXPECT_EQ(Decode("&ampx;"), "&ampx;");
+  EXPECT_EQ(Decode("&amp ;"), "&amp ;");
+  EXPECT_EQ(Decode("&Eacute;&eacute;"), "\xC3\x89\xC3\xA9");  // both exist, distinct
+  EXPECT_EQ(Decode("&unknown;"), "&unknown;");
+}
+
+TEST(HtmlEntities, ReexaminesTextAfterAnUnrecognisedAmpersand) {
+  EXPECT_EQ(Decode("& x; &lt;"), "& x; <");
+  EXPECT_EQ(Decode("&&lt;"), "&<");
+  EXPECT_EQ(Decode("&&#65;;"), "&A;");
+  EXPECT_EQ(Decode("&"), "&");
+  EXPECT_EQ(Decode("x&"), "x&");
+  EXPECT_EQ(Decode("&;"), "&;");
+}
+
+TEST(HtmlEntities, DecodesNumericReferencesInBothBases) {
+  EXPECT_EQ(Decode("&#233;"), "\xC3\xA9");
+  EXPECT_EQ(Decode("&#xE9;"), "\xC3\xA9");
+  EXPECT_EQ(Decode("&#XE9;"), "\xC3\xA9");
+  EXPECT_EQ(Decode("&#xe9;"), "\xC3\xA9");
+  EXPECT_EQ(Decode("&#x1F600;"), "\xF0\x9F\x98\x80");
+  EXPECT_EQ(Decode("&#65;&#x7F;&#x80;&#x7FF;&#x800;&#xFFFF;&#x10000;"),
+            "A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80");
+  EXPECT_EQ(Decode("&#xD800;"), "\xED\xA0\x80");  // surrogates are not rejected
+}
+
+TEST(HtmlEntities, AcceptsCodePointsUpToTheLastOne) {
+  EXPECT_EQ(Decode("&#x10FFFF;"), "\xF4\x8F\xBF\xBF");
+  EXPECT_EQ(Decode("&#1114111;"), "\xF4\x8F\xBF\xBF");
+  EXPECT_EQ(Decode("&#x110000;"), "&#x110000;");
+  EXPECT_EQ(Decode("&#1114112;"), "&#1114112;");
+  EXPECT_EQ(Decode("&#99999999999999999999999;"), "&#99999999999999999999999;");
+}
+
+TEST(HtmlEntities, ReadsNumbersAsStrtoulDoes) {
+  EXPECT_EQ(Decode("&# 65;"), "A");     // leading white space
+  EXPECT_EQ(Decode("&#+65;"), "A");     // sign
+  EXPECT_EQ(Decode("&#x0x41;"), "A");   // "0x" prefix in base 16
+  EXPECT_EQ(Decode("&#0x41;"), "&#0x41;");  // ... but not in base 10
+  EXPECT_EQ(Decode("&#-1;"), "&#-1;");  // negated: far above the limit
+  EXPECT_EQ(Decode("&#65a;"), "&#65a;");
+  EXPECT_EQ(Decode("&#65 ;"), "&#65 ;");
+  EXPECT_EQ(Decode("&#x41G;"), "&#x41G;");
+  EXPECT_EQ(Decode("&#x;"), std::string(1, '\0'));
+  EXPECT_EQ(Decode("&# ;"), "&# ;");    // no digits: the read stops before the blank
+}
+
+TEST(HtmlEntities, CountsTheNulOfAZeroReference) {
+  for (const char* zero : {"&#0;", "&#;", "&#x;", "&#x0;"}) {
+    std::vector<char> dest(16, 'z');
+    EXPECT_EQ(decode_html_entities_utf8(dest.data(), (std::string("a") + zero + "b").c_str()),
+              3u) << zero;
+    EXPECT_EQ(std::memcmp(dest.data(), "a\0b\0", 4), 0) << zero;
+  }
+}
+
+TEST(HtmlEntities, LeavesTheCallersErrnoAlone) {
+  errno = EDOM;
+  EXPECT_EQ(Decode("&#99999999999999999999999;"), "&#99999999999999999999999;");  // ERANGE inside
+  EXPECT_EQ(errno, EDOM);
+  errno = EINVAL;
+  EXPECT_EQ(Decode("&#65;"), "A");  // a stale errno does not spoil a valid read
+  EXPECT_EQ(errno, EINVAL);
+}
+
+TEST(HtmlEntities, DecodesInPlace) {
+  size_t size = 0;
+  EXPECT_EQ(DecodeInPlace("x&gt;y", &size), "x>y");
+  EXPECT_EQ(size, 3u);
+  EXPECT_EQ(DecodeInPlace("&lt;&#x1F600;&amp;tail without references", &size),
+            "<\xF0\x9F\x98\x80&tail without references");
+  EXPECT_EQ(DecodeInPlace("", &size), "");
+  EXPECT_EQ(size, 0u);
+}
+
+TEST(HtmlEntities, EmptySourceGivesEmptyDestination) {
+  char dest[4] = {'q', 'q', 'q', 'q'};
+  EXPECT_EQ(decode_html_entities_utf8(dest, ""), 0u);
+  EXPECT_EQ(dest[0], '\0');
+}
+
+TEST(HtmlEntities, CopiesLongTextWithoutReferencesUnchanged) {
+  std::string text(1 << 20, 'a');
+  for (size_t i = 0; i < text.size(); i += 97) text[i] = ';';
+  EXPECT_EQ(Decode(text), text);
+  // Every "&" without a later ";": must not rescan the rest of the text for each.
+  const std::string ampersands(1 << 20, '&');
+  EXPECT_EQ(Decode(ampersands), ampersands);
+}
+
+// Random texts built from the pieces references are made of: decoding never
+// lengthens them, and in place equals out of place.
+TEST(HtmlEntities, InPlaceEqualsOutOfPlaceOnRandomText) {
+  static const char* const kPieces[] = {"&", "#", "x", "X", ";", "amp", "lt", "eacute",
+                                        "Zeta", "zwnj", "1", "9", "0", "F", " ", "-",
+                                        "a", "\xC3\xA9", "10FFFF", "110000", "&#"};
+  std::mt19937 random(20240611);
+  std::uniform_int_distribution<size_t> piece(0, std::size(kPieces) - 1);
+  std::uniform_int_distribution<int> length(0, 40);
+  for (int round = 0; round < 20000; ++round) {
+    std::string text;
+    for (int n = length(random); n > 0; --n) text += kPieces[piece(random)];
+    const std::string out_of_place = Decode(text);
+    size_t in_place_size = 0;
+    ASSERT_EQ(DecodeInPlace(text, &in_place_size), out_of_place) << text;
+    ASSERT_LE(in_place_size, text.size()) << text;
+  }
+}
+
+}  // namespace
