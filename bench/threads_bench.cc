@@ -130,7 +130,7 @@ class PingPong {
           PinTo(cpu);
           std::unique_lock<std::mutex> lock(mutex_);
           for (;;) {
-            ping_.wait(lock, [this] { return state_ != kIdle; });
+            ping_.wait(lock, [this] { return state_ == kPing || state_ == kStop; });
             if (state_ == kStop) return;
             state_ = kPong;
             lock.unlock();
