@@ -93,6 +93,9 @@ std::string GenericThread::value_for_key(const std::string& key) {
   return found == values_.end() ? std::string() : found->second;
 }
 
-const std::string& GenericThread::thread_key() const { return message_loop_->thread_name(); }
+const std::string& GenericThread::thread_key() const {
+  static const std::string kNoLoop;
+  return message_loop_ ? message_loop_->thread_name() : kNoLoop;
+}
 
 }  // namespace tessel

@@ -61,7 +61,7 @@ class TESSEL_API GenericThread : public tessel_gen::PlatformThread {
   std::string value_for_key(const std::string& key) override;
 
   // The loop's thread name, the key under which the factory registers this
-  // thread. Only valid when the thread has a loop (has_loop()).
+  // thread; the empty string when the thread has no loop (see has_loop()).
   const std::string& thread_key() const;
   bool has_loop() const { return message_loop_ != nullptr; }
 

@@ -39,12 +39,14 @@ struct Seen {
 class GenericThreads : public ::testing::Test {
  protected:
   // Asks `thread`, from inside one of its tasks, where the task runs.
+  // What the calling task sees, when it runs on `thread`.
+  Seen SeenHere(PlatformThread& thread) {
+    return {std::this_thread::get_id(), thread.IsCurrentThread(), factory_.IsMainThread(),
+            factory_.current_thread()};
+  }
   Seen LookFrom(PlatformThread& thread) {
     Seen seen;
-    thread.DispatchSync([&] {
-      seen = {std::this_thread::get_id(), thread.IsCurrentThread(), factory_.IsMainThread(),
-              factory_.current_thread()};
-    });
+    thread.DispatchSync([&] { seen = SeenHere(thread); });
     return seen;
   }
 
@@ -74,10 +76,7 @@ TEST_F(GenericThreads, MainThreadPostsToTheUserInterfaceLoop) {
   EXPECT_EQ(factory_.current_thread(), main);
 
   Seen seen;
-  EXPECT_EQ(main->DispatchAsync([&] {
-    seen = {std::this_thread::get_id(), main->IsCurrentThread(), factory_.IsMainThread(),
-            factory_.current_thread()};
-  }), 0);
+  EXPECT_EQ(main->DispatchAsync([&] { seen = SeenHere(*main); }), 0);
   EXPECT_EQ(seen.thread, std::thread::id());  // waits for the loop to run
   ui_.RunUntilIdle();
   EXPECT_EQ(seen.thread, std::this_thread::get_id());
