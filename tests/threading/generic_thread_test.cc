@@ -153,14 +153,16 @@ TEST_F(GenericThreads, DispatchSyncReturnsAfterTheTasksEffects) {
 
 TEST_F(GenericThreads, DispatchSyncOnItsOwnThreadRunsAtOnce) {
   auto worker = factory_.CreateThread("self", kWorker);
-  std::promise<std::vector<int>> order;
-  worker->DispatchAsync([&] {
+  // Shared with the task, which may still be inside set_value() when the
+  // test returns.
+  auto order = std::make_shared<std::promise<std::vector<int>>>();
+  worker->DispatchAsync([&worker, order] {
     std::vector<int> steps{1};
     worker->DispatchSync([&] { steps.push_back(2); });
     steps.push_back(3);
-    order.set_value(steps);
+    order->set_value(steps);
   });
-  auto result = order.get_future();
+  auto result = order->get_future();
   ReadyOrAbort(result, "a same-thread DispatchSync");
   EXPECT_EQ(result.get(), (std::vector<int>{1, 2, 3}));
 
@@ -201,16 +203,16 @@ TEST_F(GenericThreads, ExceptionsGoBackToSyncCallersAndNeverEndTheThread) {
   } catch (const std::runtime_error& error) {
     EXPECT_STREQ(error.what(), "carried back");
   }
-  std::promise<bool> nested;
-  worker->DispatchAsync([&] {
+  auto nested = std::make_shared<std::promise<bool>>();
+  worker->DispatchAsync([&worker, nested] {
     try {
       worker->DispatchSync([] { throw std::logic_error("same thread"); });
-      nested.set_value(false);
+      nested->set_value(false);
     } catch (const std::logic_error&) {
-      nested.set_value(true);
+      nested->set_value(true);
     }
   });
-  auto caught = nested.get_future();
+  auto caught = nested->get_future();
   ReadyOrAbort(caught, "the worker after exceptions");
   EXPECT_TRUE(caught.get());
   EXPECT_TRUE(LookFrom(*worker).is_current);
@@ -239,12 +241,12 @@ TEST_F(GenericThreads, DestructionRunsThousandsOfQueuedTasks) {
 TEST_F(GenericThreads, ReleasedFromItsOwnTaskEndsWithoutDeadlock) {
   auto worker = factory_.CreateThread("last-owner", kWorker);
   std::weak_ptr<PlatformThread> watch = worker;
-  std::promise<void> released;
-  worker->DispatchAsync([owner = std::move(worker), &released]() mutable {
+  auto released = std::make_shared<std::promise<void>>();
+  worker->DispatchAsync([owner = std::move(worker), released]() mutable {
     owner.reset();
-    released.set_value();
+    released->set_value();
   });
-  ReadyOrAbort(released.get_future(), "a worker releasing itself");
+  ReadyOrAbort(released->get_future(), "a worker releasing itself");
   EXPECT_TRUE(watch.expired());
 }
 

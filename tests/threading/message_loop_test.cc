@@ -178,11 +178,17 @@ TEST(Thread, StopRunsEveryQueuedTaskAndReleasesABlockedPoster) {
 TEST(Thread, ReleasedInsideItsOwnTaskFinishesTheQueueAlone) {
   auto* thread = new base::Thread("self-stop");
   ASSERT_TRUE(thread->StartWithOptions(base::Thread::Options()));
-  std::promise<void> later_task_ran;
+  // Shared with the detached thread, which outlives the test.
+  auto later_task_ran = std::make_shared<std::promise<void>>();
   base::MessageLoop* loop = thread->message_loop();
+  // Everything is queued before the thread may end: after that, its loop is
+  // gone and nobody may post to it.
+  std::promise<void> gate;
+  loop->PostTask(FROM_HERE, [opened = gate.get_future().share()] { opened.wait(); });
   loop->PostTask(FROM_HERE, [thread] { delete thread; });
-  loop->PostTask(FROM_HERE, [&] { later_task_ran.set_value(); });
-  ReadyOrAbort(later_task_ran.get_future(), "the task queued behind the self-stop");
+  loop->PostTask(FROM_HERE, [later_task_ran] { later_task_ran->set_value(); });
+  gate.set_value();
+  ReadyOrAbort(later_task_ran->get_future(), "the task queued behind the self-stop");
 }
 
 }  // namespace
