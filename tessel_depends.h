@@ -17,6 +17,10 @@
 #include "common/singleton.h"
 #include "common/util_entrance.h"
 
+// Worker threads and thread factory
+#include "common/imp_win/generic_thread.h"
+#include "common/imp_win/generic_thread_factory.h"
+
 // Logging
 #include "common/logger.h"
 

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "demo_section.h"
+#include "platform/base/message_loop.h"
 #include "tessel_depends.h"
 
 namespace demo {
@@ -25,6 +26,9 @@ void Show(const std::string& label, const std::string& value) {
 }  // namespace demo
 
 int main() {
+  // Like a desktop host, the demo's main thread runs the user-interface loop
+  // of the host's base library; the library's main thread posts to it.
+  base::MessageLoop ui_loop(base::MessageLoop::TYPE_UI, "demo-ui");
   std::cout << "TesselSDK-Depends " << TESSEL_DEPENDS_VERSION_STRING << " demo host\n";
   auto sections = demo::Sections();
   std::stable_sort(sections.begin(), sections.end(),

@@ -1,0 +1,194 @@
+// The base library's loop and thread, on which GenericThread is built.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/semaphore.h"
+#include "platform/base/callback.h"
+#include "platform/base/location.h"
+#include "platform/base/message_loop.h"
+#include "platform/base/thread.h"
+#include "watchdog.h"
+
+namespace {
+
+using threading_test::ReadyOrAbort;
+using threading_test::Within;
+
+void Append(std::vector<int>* out, int value) { out->push_back(value); }
+
+// A closure keeps small callables inline and large ones on the heap; either
+// way the callable is destroyed exactly once, and moving leaves the source
+// empty.
+TEST(Closure, OwnsItsCallableWhetherInlineOrOnTheHeap) {
+  auto token = std::make_shared<int>(0);
+  struct Large {
+    std::shared_ptr<int> counter;
+    char padding[200];
+    void operator()() { ++*counter; }
+  };
+  {
+    base::Closure small = [token] { ++*token; };
+    base::Closure large = Large{token, {}};
+    EXPECT_EQ(token.use_count(), 3);
+    base::Closure moved = std::move(large);
+    EXPECT_FALSE(large);
+    small();
+    moved();
+    EXPECT_EQ(*token, 2);
+    small = std::move(moved);
+    EXPECT_EQ(token.use_count(), 2);  // the old small one is gone
+    small();
+    EXPECT_EQ(*token, 3);
+  }
+  EXPECT_EQ(token.use_count(), 1);
+  EXPECT_FALSE(base::Closure(std::function<void()>()));
+  EXPECT_FALSE(base::Closure(nullptr));
+}
+
+TEST(MessageLoop, QuitStopsRunAfterTheTaskInProgressAndKeepsTheRest) {
+  base::MessageLoop loop;
+  std::vector<int> ran;
+  loop.PostTask(FROM_HERE, base::Bind(&Append, &ran, 1));
+  loop.PostTask(FROM_HERE, base::Bind(&Append, &ran, 2));
+  loop.PostTask(FROM_HERE, [&] { loop.Quit(); });
+  loop.PostTask(FROM_HERE, base::Bind(&Append, &ran, 3));
+  loop.Run();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2}));
+  loop.RunUntilIdle();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
+}
+
+TEST(MessageLoop, QuitWhenIdleRunsTasksPostedByTasksFirst) {
+  base::MessageLoop loop;
+  std::vector<int> ran;
+  loop.QuitWhenIdle();
+  loop.PostTask(FROM_HERE, [&] {
+    ran.push_back(1);
+    loop.PostTask(FROM_HERE, [&] { ran.push_back(2); });
+  });
+  loop.Run();
+  EXPECT_EQ(ran, (std::vector<int>{1, 2}));
+}
+
+TEST(MessageLoop, DestructionRunsWhatIsStillQueued) {
+  int ran = 0;
+  {
+    base::MessageLoop loop;
+    for (int i = 0; i < 3; ++i) loop.PostTask(FROM_HERE, [&] { ++ran; });
+    loop.PostTask(FROM_HERE, base::Closure());  // empty: dropped
+  }
+  EXPECT_EQ(ran, 3);
+}
+
+TEST(MessageLoop, BindsToTheConstructingThreadOnly) {
+  EXPECT_EQ(base::MessageLoop::current(), nullptr);
+  {
+    base::MessageLoop loop(base::MessageLoop::TYPE_DEFAULT, "here");
+    EXPECT_EQ(base::MessageLoop::current(), &loop);
+    EXPECT_EQ(loop.thread_name(), "here");
+    auto elsewhere = std::async(std::launch::async, [] { return base::MessageLoop::current(); });
+    ASSERT_TRUE(Within(elsewhere));
+    EXPECT_EQ(elsewhere.get(), nullptr);
+  }
+  EXPECT_EQ(base::MessageLoop::current(), nullptr);
+}
+
+TEST(MessageLoop, FirstUserInterfaceLoopIsRegisteredWhileItLives) {
+  EXPECT_EQ(base::GetUIMessageLoop(), nullptr);
+  {
+    base::MessageLoop plain;
+    EXPECT_EQ(base::GetUIMessageLoop(), nullptr);
+  }
+  {
+    base::MessageLoop ui(base::MessageLoop::TYPE_UI, "ui");
+    EXPECT_EQ(base::GetUIMessageLoop(), &ui);
+    auto second = std::async(std::launch::async, [] {
+      base::MessageLoop other(base::MessageLoop::TYPE_UI, "other");
+      return base::GetUIMessageLoop() == &other;
+    });
+    ASSERT_TRUE(Within(second));
+    EXPECT_FALSE(second.get());
+    EXPECT_EQ(base::GetUIMessageLoop(), &ui);
+  }
+  EXPECT_EQ(base::GetUIMessageLoop(), nullptr);
+}
+
+TEST(Location, NamesThePostingSite) {
+  const int line = __LINE__ + 1;
+  const tracked_objects::Location here = FROM_HERE;
+  EXPECT_STREQ(here.function_name(), "TestBody");
+  EXPECT_NE(std::strstr(here.file_name(), "message_loop_test.cc"), nullptr);
+  EXPECT_EQ(here.line_number(), line);
+  const tracked_objects::Location there = FROM_HERE;
+  EXPECT_NE(here.program_counter(), nullptr);
+  EXPECT_NE(here.program_counter(), there.program_counter());
+}
+
+TEST(Thread, LoopExistsWhenStartReturnsAndCarriesTheName) {
+  base::Thread thread("worker-1");
+  EXPECT_EQ(thread.message_loop(), nullptr);
+  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options{base::MessageLoop::TYPE_IO, 1 << 20}));
+  EXPECT_FALSE(thread.StartWithOptions(base::Thread::Options()));
+  base::MessageLoop* loop = thread.message_loop();
+  ASSERT_NE(loop, nullptr);
+  EXPECT_EQ(loop->thread_name(), "worker-1");
+  EXPECT_EQ(loop->type(), base::MessageLoop::TYPE_IO);
+  std::promise<base::MessageLoop*> seen;
+  loop->PostTask(FROM_HERE, [&] { seen.set_value(base::MessageLoop::current()); });
+  auto current = seen.get_future();
+  ReadyOrAbort(current, "a task on the started thread");
+  EXPECT_EQ(current.get(), loop);
+  thread.Stop();
+  EXPECT_EQ(thread.message_loop(), nullptr);
+}
+
+TEST(Thread, StopRunsEveryQueuedTaskAndReleasesABlockedPoster) {
+  constexpr int kQueued = 5000;
+  int ran = 0;  // written on the worker only; read after the join
+  auto thread = std::make_unique<base::Thread>("drain");
+  ASSERT_TRUE(thread->StartWithOptions(base::Thread::Options()));
+  base::MessageLoop* loop = thread->message_loop();
+
+  std::promise<void> gate;
+  std::shared_future<void> opened = gate.get_future().share();
+  loop->PostTask(FROM_HERE, [opened] { opened.wait(); });
+  for (int i = 0; i < kQueued; ++i) loop->PostTask(FROM_HERE, [&ran] { ++ran; });
+
+  std::promise<void> posted;
+  auto poster = std::async(std::launch::async, [&] {
+    tessel::Semaphore done;
+    loop->PostTask(FROM_HERE, [&done] { done.notify(); });
+    posted.set_value();
+    done.wait();
+  });
+  ReadyOrAbort(posted.get_future(), "the blocked poster's post");
+  gate.set_value();
+  thread.reset();
+  EXPECT_EQ(ran, kQueued);
+  ReadyOrAbort(poster, "release of the blocked poster");
+}
+
+TEST(Thread, ReleasedInsideItsOwnTaskFinishesTheQueueAlone) {
+  auto* thread = new base::Thread("self-stop");
+  ASSERT_TRUE(thread->StartWithOptions(base::Thread::Options()));
+  // Shared with the detached thread, which outlives the test.
+  auto later_task_ran = std::make_shared<std::promise<void>>();
+  base::MessageLoop* loop = thread->message_loop();
+  // Everything is queued before the thread may end: after that, its loop is
+  // gone and nobody may post to it.
+  std::promise<void> gate;
+  loop->PostTask(FROM_HERE, [opened = gate.get_future().share()] { opened.wait(); });
+  loop->PostTask(FROM_HERE, [thread] { delete thread; });
+  loop->PostTask(FROM_HERE, [later_task_ran] { later_task_ran->set_value(); });
+  gate.set_value();
+  ReadyOrAbort(later_task_ran->get_future(), "the task queued behind the self-stop");
+}
+
+}  // namespace
