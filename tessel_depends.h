@@ -20,4 +20,11 @@
 // Logging
 #include "common/logger.h"
 
+// Dates and times
+#include "common/date_time.h"
+
+// Text core: strings, URLs and paths, identifiers
+#include "common/identifiers.h"
+#include "common/string_utils.h"
+
 #endif  // TESSEL_DEPENDS_H_
