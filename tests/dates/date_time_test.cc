@@ -4,11 +4,15 @@
 // (weekdays, month lengths) are checked on dates whose weekday is known.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <ctime>
+#include <future>
+#include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "common/date_time.h"
 
@@ -389,6 +393,37 @@ TEST(DaylightSavingNewYork, WeeksAndMonthEndsAcrossTheChange) {
   // From 31 March 10:00 EDT the kept flag reads 1 March 00:00 as daylight
   // time: 28 February 23:00 EST (1 March 00:00 EST is 1425186000).
   EXPECT_EQ(DateTime(1427810400).monthStart(), DateTime(1425186000 - 3600));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(DateTimeThreads, ConcurrentCallsAgreeWithSerialOnes) {
+  ScopedTimeZone zone("Europe/Berlin");
+  std::vector<std::string> expected;
+  for (long long i = 0; i < 400; ++i) {
+    const DateTime t(1420070400 + i * 86399);
+    expected.push_back(t.description() + "|" + t.dateStart().description() + "|" +
+                       t.addMonthsCopy(1).description() + "|" +
+                       std::to_string(t.weekStart().secSince1970()));
+  }
+  auto work = [&expected] {
+    for (long long i = 0; i < 400; ++i) {
+      const DateTime t(1420070400 + i * 86399);
+      const std::string got = t.description() + "|" + t.dateStart().description() + "|" +
+                              t.addMonthsCopy(1).description() + "|" +
+                              std::to_string(t.weekStart().secSince1970());
+      if (got != expected[static_cast<size_t>(i)]) return false;
+    }
+    return true;
+  };
+  std::vector<std::future<bool>> runs;
+  for (int i = 0; i < 4; ++i) runs.push_back(std::async(std::launch::async, work));
+  for (auto& run : runs) {
+    ASSERT_EQ(run.wait_for(std::chrono::seconds(120)), std::future_status::ready);
+    EXPECT_TRUE(run.get());
+  }
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <bitset>
+#include <chrono>
+#include <future>
 #include <set>
 #include <string>
 #include <vector>
@@ -63,6 +65,22 @@ TEST(Identifiers, NonceLayoutAndSpread) {
   }
   ExpectSpread(ids, 12, 16);
   EXPECT_EQ(std::set<std::string>(ids.begin(), ids.end()).size(), ids.size());
+}
+
+TEST(Identifiers, ConcurrentDrawsAreDistinct) {
+  auto draw = [] {
+    std::vector<std::string> ids;
+    for (int i = 0; i < 500; ++i) ids.push_back(tessel::random_uuid());
+    return ids;
+  };
+  std::vector<std::future<std::vector<std::string>>> runs;
+  for (int i = 0; i < 4; ++i) runs.push_back(std::async(std::launch::async, draw));
+  std::set<std::string> all;
+  for (auto& run : runs) {
+    ASSERT_EQ(run.wait_for(std::chrono::seconds(120)), std::future_status::ready);
+    for (const std::string& id : run.get()) all.insert(id);
+  }
+  EXPECT_EQ(all.size(), 2000u);
 }
 
 }  // namespace
