@@ -21,6 +21,12 @@ namespace {
 
 constexpr long long kFutureSentinel = std::numeric_limits<long long>::max();
 
+// The nine fields of DateTimeComponents, in order.
+constexpr int std::tm::*kTmFields[] = {&std::tm::tm_sec,  &std::tm::tm_min,  &std::tm::tm_hour,
+                                       &std::tm::tm_mday, &std::tm::tm_mon,  &std::tm::tm_year,
+                                       &std::tm::tm_wday, &std::tm::tm_yday, &std::tm::tm_isdst};
+constexpr size_t kTmFieldCount = sizeof kTmFields / sizeof kTmFields[0];
+
 long long WrappingAdd(long long a, long long b) {
   return static_cast<long long>(static_cast<unsigned long long>(a) +
                                 static_cast<unsigned long long>(b));
@@ -93,32 +99,35 @@ long long TicksSince1970() {
 
 // ---- DateTimeComponents ------------------------------------------------------
 
-int DateTimeComponents::second() const { return second_; }
-int DateTimeComponents::minute() const { return minute_; }
-int DateTimeComponents::hour() const { return hour_; }
-int DateTimeComponents::day() const { return day_; }
-int DateTimeComponents::month() const { return month_ + 1; }
-int DateTimeComponents::year() const { return year_ + 1900; }
-int DateTimeComponents::weekDay() const { return week_day_; }
-int DateTimeComponents::yearDay() const { return year_day_; }
-bool DateTimeComponents::isDayLightSavingTime() const { return daylight_saving_ > 0; }
+int DateTimeComponents::second() const { return fields_[kSecond]; }
+int DateTimeComponents::minute() const { return fields_[kMinute]; }
+int DateTimeComponents::hour() const { return fields_[kHour]; }
+int DateTimeComponents::day() const { return fields_[kDay]; }
+int DateTimeComponents::month() const { return fields_[kMonth] + 1; }
+int DateTimeComponents::year() const { return fields_[kYear] + 1900; }
+int DateTimeComponents::weekDay() const { return fields_[kWeekDay]; }
+int DateTimeComponents::yearDay() const { return fields_[kYearDay]; }
+bool DateTimeComponents::isDayLightSavingTime() const { return fields_[kDaylightSaving] > 0; }
 
-void DateTimeComponents::setSecond(int second) { second_ = second; }
-void DateTimeComponents::setMinutes(int minute) { minute_ = minute; }
-void DateTimeComponents::setHour(int hour) { hour_ = hour; }
-void DateTimeComponents::setDay(int day) { day_ = day; }
-void DateTimeComponents::setMonth(int month) { month_ = month - 1; }
-void DateTimeComponents::setYear(int year) { year_ = year - 1900; }
+void DateTimeComponents::setSecond(int second) { fields_[kSecond] = second; }
+void DateTimeComponents::setMinutes(int minute) { fields_[kMinute] = minute; }
+void DateTimeComponents::setHour(int hour) { fields_[kHour] = hour; }
+void DateTimeComponents::setDay(int day) { fields_[kDay] = day; }
+void DateTimeComponents::setMonth(int month) { fields_[kMonth] = month - 1; }
+void DateTimeComponents::setYear(int year) { fields_[kYear] = year - 1900; }
 
-void DateTimeComponents::resetTime() { second_ = minute_ = hour_ = 0; }
+void DateTimeComponents::resetTime() {
+  fields_[kSecond] = fields_[kMinute] = fields_[kHour] = 0;
+}
 
 void DateTimeComponents::resetMonthDay() {
-  day_ = 1;
+  fields_[kDay] = 1;
   resetTime();
 }
 
 bool DateTimeComponents::isSameDay(const DateTimeComponents& other) const {
-  return year_ == other.year_ && month_ == other.month_ && day_ == other.day_;
+  return fields_[kYear] == other.fields_[kYear] && fields_[kMonth] == other.fields_[kMonth] &&
+         fields_[kDay] == other.fields_[kDay];
 }
 
 // ---- DateTime ----------------------------------------------------------------
@@ -128,15 +137,7 @@ DateTime::DateTime(long long seconds) : seconds_(seconds) {}
 
 DateTime::DateTime(const DateTimeComponents& components) {
   std::tm fields{};
-  fields.tm_sec = components.second_;
-  fields.tm_min = components.minute_;
-  fields.tm_hour = components.hour_;
-  fields.tm_mday = components.day_;
-  fields.tm_mon = components.month_;
-  fields.tm_year = components.year_;
-  fields.tm_wday = components.week_day_;
-  fields.tm_yday = components.year_day_;
-  fields.tm_isdst = components.daylight_saving_;
+  for (size_t i = 0; i < kTmFieldCount; ++i) fields.*kTmFields[i] = components.fields_[i];
   seconds_ = tessel_platform::FromLocalTime(&fields);
 }
 
@@ -181,15 +182,7 @@ DateTime DateTime::addSecondsCopy(long long seconds) {
 DateTimeComponents DateTime::components() const {
   const std::tm fields = LocalFields(seconds_);
   DateTimeComponents components;
-  components.second_ = fields.tm_sec;
-  components.minute_ = fields.tm_min;
-  components.hour_ = fields.tm_hour;
-  components.day_ = fields.tm_mday;
-  components.month_ = fields.tm_mon;
-  components.year_ = fields.tm_year;
-  components.week_day_ = fields.tm_wday;
-  components.year_day_ = fields.tm_yday;
-  components.daylight_saving_ = fields.tm_isdst;
+  for (size_t i = 0; i < kTmFieldCount; ++i) components.fields_[i] = fields.*kTmFields[i];
   return components;
 }
 

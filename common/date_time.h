@@ -53,16 +53,10 @@ class TESSEL_API DateTimeComponents {
 
  private:
   friend class DateTime;
+  enum Field { kSecond, kMinute, kHour, kDay, kMonth, kYear, kWeekDay, kYearDay, kDaylightSaving };
 
-  int second_;
-  int minute_;
-  int hour_;
-  int day_;
-  int month_;  // 0-11
-  int year_;   // years since 1900
-  int week_day_;
-  int year_day_;
-  int daylight_saving_;
+  // In struct tm order; month 0-11, year counted from 1900.
+  int fields_[9];
 };
 
 // Copyable value. Arithmetic on the count wraps as two's complement on

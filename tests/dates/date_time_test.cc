@@ -15,35 +15,14 @@
 #include <vector>
 
 #include "common/date_time.h"
+#include "support/scoped_time_zone.h"
 
 namespace {
 
 using tessel::DateTime;
 using tessel::DateTimeComponents;
 
-// Sets TZ for the lifetime of the object and restores it afterwards.
-class ScopedTimeZone {
- public:
-  explicit ScopedTimeZone(const std::string& zone) {
-    const char* old = std::getenv("TZ");
-    had_old_ = old != nullptr;
-    if (had_old_) old_ = old;
-    setenv("TZ", zone.c_str(), 1);
-    tzset();
-  }
-  ~ScopedTimeZone() {
-    if (had_old_) {
-      setenv("TZ", old_.c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-    tzset();
-  }
-
- private:
-  bool had_old_ = false;
-  std::string old_;
-};
+using test_support::ScopedTimeZone;
 
 // The local clock time y-m-d h:mi, as the C library reads it.
 DateTime Local(int year, int month, int day, int hour, int minute = 0) {

@@ -15,35 +15,14 @@
 #include <vector>
 
 #include "common/string_utils.h"
+#include "support/scoped_time_zone.h"
 
 namespace {
 
 using tessel::StringUtils;
 using Pieces = std::vector<std::string>;
 
-// Sets TZ for the lifetime of the object and restores it afterwards.
-class ScopedTimeZone {
- public:
-  explicit ScopedTimeZone(const char* zone) {
-    const char* old = std::getenv("TZ");
-    had_old_ = old != nullptr;
-    if (had_old_) old_ = old;
-    setenv("TZ", zone, 1);
-    tzset();
-  }
-  ~ScopedTimeZone() {
-    if (had_old_) {
-      setenv("TZ", old_.c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-    tzset();
-  }
-
- private:
-  bool had_old_ = false;
-  std::string old_;
-};
+using test_support::ScopedTimeZone;
 
 TEST(IntToString, MatchesStreamPaddingForEveryWidthUpTo200) {
   // Widths 1-9 pad with zeros after the sign, 10 and more with spaces.
