@@ -165,22 +165,6 @@ TEST(SplitJoin, JoinKeepsSeparatorsOfEmptyComponents) {
   EXPECT_EQ(StringUtils::componentsJoinedByString({"", ""}, "/"), "/");
 }
 
-TEST(SplitJoin, JoinInvertsSplitWhenNoPieceIsEmpty) {
-  std::mt19937 random(7);
-  for (int round = 0; round < 2000; ++round) {
-    std::string text;
-    const int length = static_cast<int>(random() % 30);
-    for (int i = 0; i < length; ++i) text += "ab/c"[random() % 4];
-    const Pieces pieces = StringUtils::string_split(text, "/");
-    std::string collapsed;  // the text with "/" runs collapsed and trimmed
-    for (char c : text) {
-      if (c != '/' || (!collapsed.empty() && collapsed.back() != '/')) collapsed += c;
-    }
-    if (!collapsed.empty() && collapsed.back() == '/') collapsed.pop_back();
-    EXPECT_EQ(StringUtils::componentsJoinedByString(pieces, "/"), collapsed) << text;
-  }
-}
-
 TEST(StringFormat, OutputsAroundTheBufferSize) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-zero-length"
