@@ -29,7 +29,7 @@ bool IsWordByte(char c) {
 
 // The shape shared by both halves of an e-mail address: one or more runs of
 // word bytes joined by single bytes of `joiners`, e.g. \w+([-.]\w+)*.
-// `joiner_seen` tells which joiners occurred, for the domain's required ".".
+// Sets *dot_joiner_seen when a "." joined two runs (the domain needs one).
 bool IsJoinedWords(const char* begin, const char* end, const char* joiners,
                    bool* dot_joiner_seen) {
   bool after_word = false;
