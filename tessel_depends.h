@@ -28,4 +28,11 @@
 #include "common/html_entities.h"
 #include "common/pinyin.h"
 
+// Dates and times
+#include "common/date_time.h"
+
+// Text core: strings, URLs and paths, identifiers
+#include "common/identifiers.h"
+#include "common/string_utils.h"
+
 #endif  // TESSEL_DEPENDS_H_

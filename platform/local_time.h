@@ -1,0 +1,25 @@
+// The C runtime's conversions between seconds since 1970-01-01 00:00:00 UTC
+// and broken-down local time, in their thread-safe forms. This file and its
+// source are the only place that names them, so another platform swaps only
+// these two files. Both read the process's time-zone setting and may be
+// called from any thread at once.
+#ifndef TESSEL_PLATFORM_LOCAL_TIME_H_
+#define TESSEL_PLATFORM_LOCAL_TIME_H_
+
+#include <ctime>
+
+namespace tessel_platform {
+
+// Fills *out with the local time of `seconds`. Returns false, with every
+// field of *out set to -1, when the platform cannot convert the value.
+bool ToLocalTime(long long seconds, std::tm* out);
+
+// Converts the local time in *fields to seconds, normalising out-of-range
+// fields in place and filling in weekday and day of year. A positive
+// tm_isdst reads the clock time as daylight time, 0 as standard time, a
+// negative one lets the conversion decide. Returns -1 when it fails.
+long long FromLocalTime(std::tm* fields);
+
+}  // namespace tessel_platform
+
+#endif  // TESSEL_PLATFORM_LOCAL_TIME_H_

@@ -1,0 +1,408 @@
+// DateTime under several time zones, set through TZ and tzset() inside the
+// test. Expected counts come from GNU date (`TZ=<zone> date -d '<time>' +%s`)
+// or from the C library's own localtime_r/mktime/strftime; calendar facts
+// (weekdays, month lengths) are checked on dates whose weekday is known.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <ctime>
+#include <future>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "common/date_time.h"
+#include "support/scoped_time_zone.h"
+
+namespace {
+
+using tessel::DateTime;
+using tessel::DateTimeComponents;
+
+using test_support::ScopedTimeZone;
+
+// The local clock time y-m-d h:mi, as the C library reads it.
+DateTime Local(int year, int month, int day, int hour, int minute = 0) {
+  std::tm fields{};
+  fields.tm_year = year - 1900;
+  fields.tm_mon = month - 1;
+  fields.tm_mday = day;
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_isdst = -1;
+  return DateTime(static_cast<long long>(mktime(&fields)));
+}
+
+void ExpectClock(const DateTime& t, int year, int month, int day, int hour, int minute = 0) {
+  const DateTimeComponents c = t.components();
+  EXPECT_EQ(c.year(), year) << t.description();
+  EXPECT_EQ(c.month(), month) << t.description();
+  EXPECT_EQ(c.day(), day) << t.description();
+  EXPECT_EQ(c.hour(), hour) << t.description();
+  EXPECT_EQ(c.minute(), minute) << t.description();
+  EXPECT_EQ(c.second(), 0) << t.description();
+}
+
+TEST(DateTimeValue, DefaultsAndSentinel) {
+  EXPECT_EQ(DateTime(), DateTime(0));
+  EXPECT_FALSE(DateTime().isFuture());
+  EXPECT_TRUE(DateTime::future().isFuture());
+  EXPECT_EQ(DateTime::future().secSince1970(), 9223372036854775807LL);
+  EXPECT_EQ(DateTime::future().description(), "DateTime(future)");
+  EXPECT_FALSE(DateTime(9223372036854775806LL).isFuture());
+  EXPECT_EQ(DateTime(LLONG_MIN).description(), "DateTime(-9223372036854775808)");
+  EXPECT_EQ(DateTime(LLONG_MIN / 2).description(), "DateTime(-4611686018427387904)");
+  EXPECT_EQ(DateTime(5).gmtOffset(), 0);
+}
+
+TEST(DateTimeValue, ConstantsAndComparisons) {
+  EXPECT_EQ(tessel::kMinuteInSec, 60);
+  EXPECT_EQ(tessel::kHourInSec, 3600);
+  EXPECT_EQ(tessel::kDayInSec, 86400);
+  EXPECT_EQ(tessel::kWeekInSec, 604800);
+  const DateTime a(-5), b(7);
+  EXPECT_TRUE(a < b && a <= b && b > a && b >= a && a != b && a <= a && a >= a);
+  EXPECT_FALSE(a == b || b < a || a > b);
+  DateTime c(1);
+  c = b;
+  EXPECT_EQ(c, b);
+}
+
+TEST(DateTimeValue, DifferencesTruncateTowardZero) {
+  EXPECT_EQ(DateTime(0).daysSince(DateTime(1)), 0);
+  EXPECT_EQ(DateTime(0).daysSince(DateTime(86401)), -1);
+  EXPECT_EQ(DateTime(86399).daysSince(DateTime(0)), 0);
+  EXPECT_EQ(DateTime(-3599).hoursSince(DateTime(0)), 0);
+  EXPECT_EQ(DateTime(-7201).hoursSince(DateTime(0)), -2);
+  EXPECT_EQ(DateTime(119).minutesSince(DateTime(0)), 1);
+  EXPECT_EQ(DateTime(-119).minutesSince(DateTime(0)), -1);
+  EXPECT_EQ(DateTime(10).secondsSince(DateTime(25)), -15);
+}
+
+TEST(DateTimeValue, ArithmeticWrapsLikeTwosComplement) {
+  EXPECT_EQ(DateTime::future().addSecondsCopy(1), DateTime(LLONG_MIN));
+  // 2^62 days are 2^69 * 675 seconds: 0 modulo 2^64.
+  EXPECT_EQ(DateTime(0).addDaysCopy(1LL << 62), DateTime(0));
+  // LLONG_MIN - 1 wraps to LLONG_MAX, which is 106751991167300 whole days.
+  EXPECT_EQ(DateTime(LLONG_MIN).daysSince(DateTime(1)), 106751991167300LL);
+  DateTime t(LLONG_MAX);
+  t.addHours(1);
+  t.addMinuts(-60);
+  EXPECT_EQ(t, DateTime::future());
+}
+
+TEST(DateTimeValue, CopyingVariantsLeaveTheOriginal) {
+  DateTime t(1000000);
+  EXPECT_EQ(t.addSecondsCopy(5), DateTime(1000005));
+  EXPECT_EQ(t.addDaysCopy(2), DateTime(1000000 + 2 * 86400));
+  EXPECT_NE(t.addMonthsCopy(1), t);
+  EXPECT_EQ(t, DateTime(1000000));
+  t.addDays(1);
+  t.addHours(1);
+  t.addMinuts(1);
+  t.addSeconds(1);
+  EXPECT_EQ(t, DateTime(1000000 + 86400 + 3600 + 60 + 1));
+}
+
+TEST(DateTimeValue, LeapYearsAndMonthLengths) {
+  EXPECT_TRUE(DateTime::isLeapYear(2000));
+  EXPECT_FALSE(DateTime::isLeapYear(1900));
+  EXPECT_TRUE(DateTime::isLeapYear(2004));
+  EXPECT_FALSE(DateTime::isLeapYear(2015));
+  EXPECT_TRUE(DateTime::isLeapYear(-4));
+  EXPECT_TRUE(DateTime::isLeapYear(-400));
+  EXPECT_FALSE(DateTime::isLeapYear(-100));
+  EXPECT_EQ(DateTime::monthDayCount(2000, 2), 29);
+  EXPECT_EQ(DateTime::monthDayCount(1900, 2), 28);
+  EXPECT_EQ(DateTime::monthDayCount(2004, 2), 29);
+  EXPECT_EQ(DateTime::monthDayCount(2100, 2), 28);
+  const int kDays2015[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  for (int month = 1; month <= 12; ++month) {
+    EXPECT_EQ(DateTime::monthDayCount(2015, month), kDays2015[month - 1]) << month;
+  }
+  EXPECT_EQ(DateTime::monthDayCount(2015, 0), 30);
+  EXPECT_EQ(DateTime::monthDayCount(2015, 13), 30);
+  EXPECT_EQ(DateTime::monthDayCount(2015, 14), 31);
+}
+
+TEST(DateTimeValue, ClockReadsTheWallClock) {
+  const long long before = static_cast<long long>(time(nullptr));
+  const long long seconds = tessel::date::now_time_interval();
+  const long long millis = tessel::date::milliseconds_interval_since_1970();
+  const long long now = DateTime::now().secSince1970();
+  const long long after = static_cast<long long>(time(nullptr));
+  EXPECT_GE(seconds, before);
+  EXPECT_LE(seconds, after);
+  EXPECT_GE(millis / 1000, before);
+  EXPECT_LE(millis / 1000, after);
+  EXPECT_GE(now, seconds);
+  EXPECT_LE(now, after);
+  EXPECT_LE(DateTime::yesterday().secondsSince(DateTime::now()), -86400);
+  EXPECT_GE(DateTime::yesterday().secondsSince(DateTime::now()), -86401);
+}
+
+TEST(DateTimeComponentsValue, AccessorsTranslateMonthAndYear) {
+  ScopedTimeZone utc("UTC");
+  // `date -u -d @1425806723`: Sunday 2015-03-08 09:25:23, day 66 of the year.
+  DateTimeComponents c = DateTime(1425806723).components();
+  EXPECT_EQ(c.year(), 2015);
+  EXPECT_EQ(c.month(), 3);
+  EXPECT_EQ(c.day(), 8);
+  EXPECT_EQ(c.hour(), 9);
+  EXPECT_EQ(c.minute(), 25);
+  EXPECT_EQ(c.second(), 23);
+  EXPECT_EQ(c.weekDay(), 0);
+  EXPECT_EQ(c.yearDay(), 66);
+  EXPECT_FALSE(c.isDayLightSavingTime());
+
+  DateTimeComponents d = c;
+  d.setYear(2016);
+  d.setMonth(2);
+  d.setDay(30);  // normalised to 1 March 2016
+  d.setHour(1);
+  d.setMinutes(2);
+  d.setSecond(3);
+  EXPECT_EQ(d.year(), 2016);
+  EXPECT_EQ(d.month(), 2);
+  EXPECT_EQ(d.weekDay(), 0);  // setters do not update the weekday
+  EXPECT_FALSE(d.isSameDay(c));
+  EXPECT_EQ(DateTime(d).description(), "2016/03/01 01:02:03");
+  EXPECT_EQ(d.day(), 30);  // the caller's components are not normalised
+
+  d.resetTime();
+  EXPECT_EQ(DateTime(d).description(), "2016/03/01 00:00:00");
+  d.resetMonthDay();
+  d.setHour(7);
+  d.resetMonthDay();
+  EXPECT_EQ(DateTime(d).description(), "2016/02/01 00:00:00");
+
+  DateTimeComponents e = c;
+  e.setHour(23);
+  EXPECT_TRUE(e.isSameDay(c));
+  EXPECT_EQ(DateTime(LLONG_MAX).components().month(), 0);  // every field reads -1
+  EXPECT_EQ(DateTime(LLONG_MAX).components().year(), 1899);
+}
+
+TEST(DateTimeUtc, DocumentedMonthExample) {
+  ScopedTimeZone utc("UTC");
+  const DateTime t(86400 * 31 + 3661);
+  EXPECT_EQ(t.description(), "1970/02/01 01:01:01");
+  EXPECT_EQ(t.monthStart(), DateTime(2678400));
+  EXPECT_EQ(t.monthLastDate(), DateTime(2678400 + 27 * 86400));
+  EXPECT_EQ(DateTime(0).description(), "1970/01/01 00:00:00");
+  EXPECT_EQ(DateTime(-1).description(), "1969/12/31 23:59:59");
+}
+
+// ---- Properties that hold in every zone --------------------------------------
+
+class DateTimeZone : public ::testing::TestWithParam<const char*> {
+ protected:
+  void SetUp() override { zone_.reset(new ScopedTimeZone(GetParam())); }
+  void TearDown() override { zone_.reset(); }
+
+ private:
+  std::unique_ptr<ScopedTimeZone> zone_;
+};
+
+TEST_P(DateTimeZone, DescriptionAndComponentsMatchTheCLibrary) {
+  std::mt19937_64 random(9);
+  for (int i = 0; i < 5000; ++i) {
+    const long long seconds = static_cast<long long>(random() % 20000000000ULL) - 10000000000LL;
+    const time_t value = static_cast<time_t>(seconds);
+    std::tm expected{};
+    ASSERT_NE(localtime_r(&value, &expected), nullptr);
+    char text[64];
+    std::strftime(text, sizeof text, "%Y/%m/%d %H:%M:%S", &expected);
+    const DateTime t(seconds);
+    ASSERT_EQ(t.description(), text);
+    const DateTimeComponents c = t.components();
+    ASSERT_EQ(c.weekDay(), expected.tm_wday);
+    ASSERT_EQ(c.yearDay(), expected.tm_yday);
+    ASSERT_EQ(c.isDayLightSavingTime(), expected.tm_isdst > 0);
+    ASSERT_EQ(DateTime(c), t) << text;  // from-local inverts to-local
+  }
+}
+
+TEST_P(DateTimeZone, GmtOffsetIsAlwaysZero) {
+  EXPECT_EQ(Local(2015, 7, 1, 12).gmtOffset(), 0);
+  EXPECT_EQ(Local(2015, 1, 1, 12).gmtOffset(), 0);
+}
+
+TEST_P(DateTimeZone, DayWeekAndMonthStarts) {
+  // 2015-01-11 and 2015-07-12 are Sundays; no clock change in those weeks.
+  for (const int month : {1, 7}) {
+    const int sunday = month == 1 ? 11 : 12;
+    const DateTime week = Local(2015, month, sunday, 0);
+    EXPECT_EQ(Local(2015, month, sunday + 6, 23, 59).weekStart(), week) << "Saturday";
+    EXPECT_EQ(Local(2015, month, sunday + 6, 0).weekStart(), week);
+    EXPECT_EQ(Local(2015, month, sunday, 0).weekStart(), week) << "Sunday";
+    EXPECT_EQ(Local(2015, month, sunday, 18).weekStart(), week);
+    EXPECT_EQ(Local(2015, month, sunday + 3, 10).dateStart(), Local(2015, month, sunday + 3, 0));
+    EXPECT_EQ(Local(2015, month, sunday + 3, 10).monthStart(), Local(2015, month, 1, 0));
+    EXPECT_TRUE(Local(2015, month, sunday, 1).isSameWeek(Local(2015, month, sunday + 6, 23)));
+    EXPECT_FALSE(Local(2015, month, sunday, 1).isSameWeek(Local(2015, month, sunday - 1, 23)));
+    EXPECT_TRUE(Local(2015, month, sunday, 0).isSameDay(Local(2015, month, sunday, 23, 59)));
+    EXPECT_FALSE(Local(2015, month, sunday, 0).isSameDay(Local(2015, month, sunday - 1, 23)));
+  }
+}
+
+TEST_P(DateTimeZone, MonthEndsAndLeapYears) {
+  // No clock change in February or December in any of the zones.
+  EXPECT_EQ(Local(2016, 2, 10, 8).monthLastDate(), Local(2016, 2, 29, 0));
+  EXPECT_EQ(Local(2015, 2, 10, 8).monthLastDate(), Local(2015, 2, 28, 0));
+  EXPECT_EQ(Local(2000, 2, 1, 0).monthLastDate(), Local(2000, 2, 29, 0));
+  EXPECT_EQ(Local(2100, 2, 1, 0).monthLastDate(), Local(2100, 2, 28, 0));
+  EXPECT_EQ(Local(2015, 12, 31, 23).monthLastDate(), Local(2015, 12, 31, 0));
+  EXPECT_EQ(Local(2015, 12, 31, 23).monthStart(), Local(2015, 12, 1, 0));
+}
+
+TEST_P(DateTimeZone, AddMonthsRollsOverflowingDaysForward) {
+  ExpectClock(Local(2015, 1, 31, 10).addMonthsCopy(1), 2015, 3, 3, 10);
+  ExpectClock(Local(2016, 1, 31, 10).addMonthsCopy(1), 2016, 3, 2, 10);
+  ExpectClock(Local(2016, 2, 29, 10).addMonthsCopy(12), 2017, 3, 1, 10);
+  ExpectClock(Local(2015, 12, 15, 10).addMonthsCopy(-12), 2014, 12, 15, 10);
+  ExpectClock(Local(2015, 12, 15, 10).addMonthsCopy(-24 - 11), 2013, 1, 15, 10);
+  ExpectClock(Local(2015, 11, 15, 10).addMonthsCopy(2), 2016, 1, 15, 10);
+  // 31 March minus one month is 3 March (the clock may move with the flag).
+  const DateTimeComponents back = Local(2015, 3, 31, 10).addMonthsCopy(-1).components();
+  EXPECT_EQ(back.month(), 3);
+  EXPECT_EQ(back.day(), 3);
+  DateTime t = Local(2015, 1, 31, 10);
+  t.addMonths(0);
+  EXPECT_EQ(t, Local(2015, 1, 31, 10));
+}
+
+TEST_P(DateTimeZone, AddMonthsBeyondTheYearRangeGivesMinusOne) {
+  // 6.7e16 s is in the year 2,123,110,000 or so; INT_MAX more months push the
+  // year past INT_MAX, where the conversion back fails.
+  const DateTime far(67000000000000000LL);
+  ASSERT_GT(far.components().year(), 2000000000);
+  EXPECT_EQ(far.addMonthsCopy(INT_MAX), DateTime(-1));
+  // The sentinel cannot be converted: its fields read -1, and stepping them
+  // lands before 1900 without failing.
+  EXPECT_LT(DateTime::future().addMonthsCopy(1).secSince1970(), 0);
+}
+
+TEST_P(DateTimeZone, TodayAndYesterday) {
+  EXPECT_TRUE(DateTime::now().isToday());
+  EXPECT_FALSE(DateTime::now().isYesterday());
+  EXPECT_TRUE(DateTime::yesterday().isYesterday());
+  EXPECT_FALSE(DateTime::yesterday().isToday());
+  EXPECT_FALSE(DateTime::future().isToday());
+}
+
+INSTANTIATE_TEST_SUITE_P(Zones, DateTimeZone,
+                         ::testing::Values("UTC", "America/New_York", "Europe/Berlin",
+                                           "Australia/Lord_Howe"),
+                         [](const ::testing::TestParamInfo<const char*>& info) {
+                           std::string name = info.param;
+                           for (char& c : name) {
+                             if (c == '/') c = '_';
+                           }
+                           return name;
+                         });
+
+// ---- Daylight-saving changes, counts from GNU date ---------------------------
+
+struct DstCase {
+  const char* zone;
+  long long forward_day_10am;      // 10:00 on the day the clocks go forward
+  long long forward_expected;      // its dateStart(): midnight read as daylight time
+  long long back_day_10am;         // 10:00 on the day the clocks go back
+  long long back_expected;         // its dateStart(): midnight read as standard time
+  long long january_15_10am;       // plus five months...
+  long long june_15_expected;      // ...keeps the January flag
+};
+
+class DaylightSaving : public ::testing::TestWithParam<DstCase> {};
+
+TEST_P(DaylightSaving, DateStartKeepsTheFlagOfTheMoment) {
+  const DstCase& c = GetParam();
+  ScopedTimeZone zone(c.zone);
+  EXPECT_EQ(DateTime(c.forward_day_10am).dateStart(), DateTime(c.forward_expected))
+      << DateTime(c.forward_day_10am).dateStart().description();
+  EXPECT_EQ(DateTime(c.back_day_10am).dateStart(), DateTime(c.back_expected))
+      << DateTime(c.back_day_10am).dateStart().description();
+  EXPECT_EQ(DateTime(c.january_15_10am).addMonthsCopy(5), DateTime(c.june_15_expected))
+      << DateTime(c.january_15_10am).addMonthsCopy(5).description();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Zones, DaylightSaving,
+    ::testing::Values(
+        // 2015-03-08 10:00 EDT -> 2015-03-07 23:00 EST; 2015-11-01 10:00 EST ->
+        // 01:00 EDT; 2015-01-15 10:00 EST + 5 months -> 2015-06-15 11:00 EDT.
+        DstCase{"America/New_York", 1425823200, 1425787200, 1446390000, 1446354000,
+                1421334000, 1434380400},
+        // 2015-03-29 10:00 CEST -> 03-28 23:00 CET; 2015-10-25 10:00 CET ->
+        // 01:00 CEST; 2015-01-15 10:00 CET + 5 -> 2015-06-15 11:00 CEST.
+        DstCase{"Europe/Berlin", 1427616000, 1427580000, 1445763600, 1445727600,
+                1421312400, 1434358800},
+        // Half-hour shift: 2015-10-04 10:00 +11 -> 10-03 23:30 (00:00 standard,
+        // 1443879000, less 30 minutes); 2015-04-05 10:00 +10:30 -> 00:30 daylight
+        // (00:00 daylight, 1428152400, plus 30 minutes); 2015-01-15 10:00 +11 + 5
+        // months -> 2015-06-15 09:30 +10:30.
+        DstCase{"Australia/Lord_Howe", 1443913200, 1443879000 - 1800, 1428190200,
+                1428152400 + 1800, 1421276400, 1434322800},
+        // No clock changes: 2015-03-08 and 2015-11-01, 2015-06-15 10:00.
+        DstCase{"UTC", 1425808800, 1425772800, 1446372000, 1446336000, 1421316000,
+                1434362400}),
+    [](const ::testing::TestParamInfo<DstCase>& info) {
+      std::string name = info.param.zone;
+      for (char& c : name) {
+        if (c == '/') c = '_';
+      }
+      return name;
+    });
+
+TEST(DaylightSavingNewYork, WeeksAndMonthEndsAcrossTheChange) {
+  ScopedTimeZone zone("America/New_York");
+  // 2015-03-08 01:00 EST (before the change) and 2015-03-10 10:00 EDT: the
+  // same calendar week, but their week starts differ by the hour of the change.
+  const DateTime before(1425790800 + 3600);
+  const DateTime after(1425823200 + 2 * 86400);
+  EXPECT_FALSE(before.isSameWeek(after));
+  EXPECT_EQ(before.weekStart(), DateTime(1425790800));
+  // From 5 March 10:00 EST: 1 March 00:00 EST plus 30 days of 86400 s is
+  // 31 March 01:00 EDT.
+  ExpectClock(DateTime(1425567600).monthLastDate(), 2015, 3, 31, 1);
+  // From 31 March 10:00 EDT the kept flag reads 1 March 00:00 as daylight
+  // time: 28 February 23:00 EST (1 March 00:00 EST is 1425186000).
+  EXPECT_EQ(DateTime(1427810400).monthStart(), DateTime(1425186000 - 3600));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(DateTimeThreads, ConcurrentCallsAgreeWithSerialOnes) {
+  ScopedTimeZone zone("Europe/Berlin");
+  std::vector<std::string> expected;
+  for (long long i = 0; i < 400; ++i) {
+    const DateTime t(1420070400 + i * 86399);
+    expected.push_back(t.description() + "|" + t.dateStart().description() + "|" +
+                       t.addMonthsCopy(1).description() + "|" +
+                       std::to_string(t.weekStart().secSince1970()));
+  }
+  auto work = [&expected] {
+    for (long long i = 0; i < 400; ++i) {
+      const DateTime t(1420070400 + i * 86399);
+      const std::string got = t.description() + "|" + t.dateStart().description() + "|" +
+                              t.addMonthsCopy(1).description() + "|" +
+                              std::to_string(t.weekStart().secSince1970());
+      if (got != expected[static_cast<size_t>(i)]) return false;
+    }
+    return true;
+  };
+  std::vector<std::future<bool>> runs;
+  for (int i = 0; i < 4; ++i) runs.push_back(std::async(std::launch::async, work));
+  for (auto& run : runs) {
+    ASSERT_EQ(run.wait_for(std::chrono::seconds(120)), std::future_status::ready);
+    EXPECT_TRUE(run.get());
+  }
+}
+
+}  // namespace
