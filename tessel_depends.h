@@ -20,4 +20,9 @@
 // Logging
 #include "common/logger.h"
 
+// Translation catalogs
+#include "i18n/entry.h"
+#include "i18n/mo.h"
+#include "i18n/i18n_utils.h"
+
 #endif  // TESSEL_DEPENDS_H_
