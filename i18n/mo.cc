@@ -142,8 +142,12 @@ void MO::parseImage(const unsigned char* data, size_t size) {
   if (sources + tableBytes > size || targets + tableBytes > size) return;
 
   MO staged;
-  // Each message takes two descriptors, so a sized image bounds the count.
-  staged.slots.resize(slotCountFor(std::min<uint64_t>(count, size / 16)));
+  // Each message takes two descriptors, so a sized image bounds the count;
+  // past a million messages (only a size-less image) the table just grows.
+  const size_t expected =
+      static_cast<size_t>(std::min<uint64_t>({count, size / 16, uint64_t{1} << 20}));
+  staged.entries.reserve(expected);
+  staged.slots.resize(slotCountFor(expected));
   for (uint64_t i = 0; i < count; ++i) {
     const uint64_t sourceLength = word.at(sources + 8 * i);
     const uint64_t sourceOffset = word.at(sources + 8 * i + 4);
@@ -188,7 +192,8 @@ void MO::store(TranslateEntry entry) {
     slots.assign(slotCountFor(kept.size() + 1), Slot{0, 0});
     for (TranslateEntry& old : kept) store(std::move(old));
   }
-  const std::string key = entry.getKey();
+  const std::string joined = entry.context.empty() ? std::string() : entry.getKey();
+  const std::string_view key = entry.context.empty() ? entry.singular : joined;
   const size_t hash = hashKey(key);
   const size_t mask = slots.size() - 1;
   for (size_t i = hash & mask;; i = (i + 1) & mask) {
