@@ -106,29 +106,31 @@ bool Ready(benchmark::State& state) {
   return Shared().ready;
 }
 
+// Runs lookup(i) for i = 0, 1, ... count - 1, 0, 1, ... one per iteration.
+template <typename Lookup>
+void Cycle(benchmark::State& state, size_t count, Lookup lookup) {
+  size_t i = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(lookup(i));
+    i = (i + 1) % count;
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+
 // Message ids are the caller's strings; the registry takes them by value.
 void BM_Ours_Gettext(benchmark::State& state, bool hit) {
   if (!Ready(state)) return;
   const auto& ids = hit ? Shared().hits : Shared().misses;
   const std::string domain = kDomain;
   I18N::I18nUtils* registry = I18N::I18nUtils::getInstance();
-  size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(registry->gettext(ids[i], domain));
-    i = (i + 1) % ids.size();
-  }
-  state.SetItemsProcessed(state.iterations());
+  Cycle(state, ids.size(), [&](size_t i) { return registry->gettext(ids[i], domain); });
 }
 
 void BM_Glibc_Dcgettext(benchmark::State& state, bool hit) {
   if (!Ready(state)) return;
   const auto& ids = hit ? Shared().hits : Shared().misses;
-  size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(dcgettext(kDomain, ids[i].c_str(), LC_MESSAGES));
-    i = (i + 1) % ids.size();
-  }
-  state.SetItemsProcessed(state.iterations());
+  Cycle(state, ids.size(),
+        [&](size_t i) { return dcgettext(kDomain, ids[i].c_str(), LC_MESSAGES); });
 }
 
 void BM_Ours_Xgettext(benchmark::State& state) {
@@ -136,23 +138,17 @@ void BM_Ours_Xgettext(benchmark::State& state) {
   const Catalog& c = Shared();
   const std::string domain = kDomain;
   I18N::I18nUtils* registry = I18N::I18nUtils::getInstance();
-  size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(registry->xgettext(c.contextIds[i], c.contexts[i], domain));
-    i = (i + 1) % c.contextIds.size();
-  }
-  state.SetItemsProcessed(state.iterations());
+  Cycle(state, c.contextIds.size(), [&](size_t i) {
+    return registry->xgettext(c.contextIds[i], c.contexts[i], domain);
+  });
 }
 
 void BM_Glibc_DcgettextContext(benchmark::State& state) {
   if (!Ready(state)) return;
   const Catalog& c = Shared();
-  size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(dcgettext(kDomain, c.glibcContextKeys[i].c_str(), LC_MESSAGES));
-    i = (i + 1) % c.glibcContextKeys.size();
-  }
-  state.SetItemsProcessed(state.iterations());
+  Cycle(state, c.glibcContextKeys.size(), [&](size_t i) {
+    return dcgettext(kDomain, c.glibcContextKeys[i].c_str(), LC_MESSAGES);
+  });
 }
 
 void BM_Ours_Ngettext(benchmark::State& state) {
@@ -160,25 +156,18 @@ void BM_Ours_Ngettext(benchmark::State& state) {
   const Catalog& c = Shared();
   const std::string domain = kDomain;
   I18N::I18nUtils* registry = I18N::I18nUtils::getInstance();
-  size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(
-        registry->ngettext(c.singulars[i], c.plurals[i], static_cast<int>(i % 4), domain));
-    i = (i + 1) % c.singulars.size();
-  }
-  state.SetItemsProcessed(state.iterations());
+  Cycle(state, c.singulars.size(), [&](size_t i) {
+    return registry->ngettext(c.singulars[i], c.plurals[i], static_cast<int>(i % 4), domain);
+  });
 }
 
 void BM_Glibc_Dcngettext(benchmark::State& state) {
   if (!Ready(state)) return;
   const Catalog& c = Shared();
-  size_t i = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(dcngettext(kDomain, c.singulars[i].c_str(), c.plurals[i].c_str(),
-                                        i % 4, LC_MESSAGES));
-    i = (i + 1) % c.singulars.size();
-  }
-  state.SetItemsProcessed(state.iterations());
+  Cycle(state, c.singulars.size(), [&](size_t i) {
+    return dcngettext(kDomain, c.singulars[i].c_str(), c.plurals[i].c_str(), i % 4,
+                      LC_MESSAGES);
+  });
 }
 
 // Reading and parsing the whole file into a catalog.

@@ -50,6 +50,23 @@ std::vector<std::string> splitForms(std::string_view text) {
   }
 }
 
+// A lookup record: three native 32-bit words, then the key, then form 0.
+constexpr size_t kRecordHeader = 12;
+
+struct RecordView {
+  uint32_t entry;
+  std::string_view key;
+  std::string_view form;
+};
+
+RecordView viewRecord(const char* record) {
+  uint32_t words[3];
+  std::memcpy(words, record, sizeof words);
+  const char* key = record + kRecordHeader;
+  return RecordView{words[0], std::string_view(key, words[1]),
+                    std::string_view(key + words[1], words[2])};
+}
+
 size_t slotCountFor(size_t entries) {
   size_t count = 16;
   while (count < entries * 2) count *= 2;
@@ -62,14 +79,6 @@ const char MO::CONTEXT_SEPARATOR = 0x04;
 const char MO::PLURAL_SEPARATOR = 0x00;
 const unsigned int MO::DEFAULT_NPLURALS = 2;
 const std::function<int(int)> MO::DEFAULT_PLURAL_EXPRESSION = twoFormRule;
-
-bool MO::keyEquals(const TranslateEntry& entry, std::string_view key) {
-  const std::string& context = entry.context;
-  if (context.empty()) return key == entry.singular;
-  return key.size() == context.size() + 1 + entry.singular.size() &&
-         key.compare(0, context.size(), context) == 0 && key[context.size()] == CONTEXT_SEPARATOR &&
-         key.substr(context.size() + 1) == entry.singular;
-}
 
 MO::MO() : MO(std::string(), DEFAULT_PLURAL_EXPRESSION, DEFAULT_NPLURALS) {}
 
@@ -147,6 +156,7 @@ void MO::parseImage(const unsigned char* data, size_t size) {
   const size_t expected =
       static_cast<size_t>(std::min<uint64_t>({count, size / 16, uint64_t{1} << 20}));
   staged.entries.reserve(expected);
+  staged.lookup.reserve(static_cast<size_t>(std::min<uint64_t>(size, uint64_t{1} << 24)));
   staged.slots.resize(slotCountFor(expected));
   for (uint64_t i = 0; i < count; ++i) {
     const uint64_t sourceLength = word.at(sources + 8 * i);
@@ -177,52 +187,78 @@ void MO::parseImage(const unsigned char* data, size_t size) {
       entry.isPural = true;
     }
     entry.translations = splitForms(target);
-    staged.store(std::move(entry));
+    if (!staged.store(std::move(entry))) return;
   }
   headersInfo = std::move(staged.headersInfo);
   entries = std::move(staged.entries);
+  lookup = std::move(staged.lookup);
   slots = std::move(staged.slots);
   isInited = true;
 }
 
-void MO::store(TranslateEntry entry) {
-  if ((entries.size() + 1) * 2 > slots.size()) {
-    std::vector<TranslateEntry> kept = std::move(entries);
-    entries.clear();
-    slots.assign(slotCountFor(kept.size() + 1), Slot{0, 0});
-    for (TranslateEntry& old : kept) store(std::move(old));
-  }
+bool MO::store(TranslateEntry entry) {
   const std::string joined = entry.context.empty() ? std::string() : entry.getKey();
   const std::string_view key = entry.context.empty() ? entry.singular : joined;
+  const std::string& form = entry.translations.front();
+  const uint64_t recordOffset = lookup.size();
+  if (recordOffset + kRecordHeader + key.size() + form.size() >=
+      std::numeric_limits<uint32_t>::max()) {
+    return false;
+  }
   const size_t hash = hashKey(key);
-  const size_t mask = slots.size() - 1;
-  for (size_t i = hash & mask;; i = (i + 1) & mask) {
-    Slot& slot = slots[i];
-    if (slot.entry == 0) {
-      entries.push_back(std::move(entry));
-      slot = Slot{static_cast<uint32_t>(entries.size()), static_cast<uint32_t>(hash)};
-      return;
+  const char* existing = findKey(key, hash);
+  const uint32_t index =
+      existing != nullptr ? viewRecord(existing).entry : static_cast<uint32_t>(entries.size());
+  const uint32_t words[3] = {index, static_cast<uint32_t>(key.size()),
+                             static_cast<uint32_t>(form.size())};
+  lookup.append(reinterpret_cast<const char*>(words), sizeof words);
+  lookup.append(key);
+  lookup.append(form);
+  if (existing != nullptr) {
+    entries[index] = std::move(entry);  // the later message wins
+  } else {
+    entries.push_back(std::move(entry));
+  }
+  if ((entries.size() + 1) * 2 > slots.size()) {
+    std::vector<Slot> old = std::move(slots);
+    slots.assign(slotCountFor(entries.size() + 1), Slot{0, 0});
+    for (const Slot& slot : old) {
+      if (slot.record != 0) placeSlot(slot);
     }
-    if (slot.hash == static_cast<uint32_t>(hash) && keyEquals(entries[slot.entry - 1], key)) {
-      entries[slot.entry - 1] = std::move(entry);  // the later message wins
+  }
+  placeSlot(Slot{static_cast<uint32_t>(recordOffset + 1), static_cast<uint32_t>(hash)});
+  return true;
+}
+
+// Puts the slot where its key's probe sequence finds it: over the slot of the
+// same key, or in the first free one.
+void MO::placeSlot(Slot slot) {
+  const size_t mask = slots.size() - 1;
+  const std::string_view key = viewRecord(lookup.data() + slot.record - 1).key;
+  for (size_t i = slot.hash & mask;; i = (i + 1) & mask) {
+    Slot& here = slots[i];
+    if (here.record == 0 ||
+        (here.hash == slot.hash && viewRecord(lookup.data() + here.record - 1).key == key)) {
+      here = slot;
       return;
     }
   }
 }
 
-const TranslateEntry* MO::findKey(std::string_view key, size_t hash) const {
+const char* MO::findKey(std::string_view key, size_t hash) const {
   if (slots.empty()) return nullptr;
   const size_t mask = slots.size() - 1;
   for (size_t i = hash & mask;; i = (i + 1) & mask) {
     const Slot& slot = slots[i];
-    if (slot.entry == 0) return nullptr;
-    if (slot.hash == static_cast<uint32_t>(hash) && keyEquals(entries[slot.entry - 1], key)) {
-      return &entries[slot.entry - 1];
+    if (slot.record == 0) return nullptr;
+    if (slot.hash == static_cast<uint32_t>(hash)) {
+      const char* record = lookup.data() + slot.record - 1;
+      if (viewRecord(record).key == key) return record;
     }
   }
 }
 
-const TranslateEntry* MO::find(const std::string& singular, const std::string& context) const {
+const char* MO::find(const std::string& singular, const std::string& context) const {
   if (entries.empty()) return nullptr;
   if (context.empty()) return findKey(singular, hashKey(singular));
   const size_t length = context.size() + 1 + singular.size();
@@ -245,16 +281,17 @@ bool MO::getIsInited() const { return isInited; }
 std::string MO::getHeadersInfo() const { return headersInfo; }
 
 std::string MO::translate(std::string singular, std::string context) const {
-  const TranslateEntry* entry = find(singular, context);
-  return entry != nullptr ? entry->translations.front() : singular;
+  const char* record = find(singular, context);
+  return record != nullptr ? std::string(viewRecord(record).form) : singular;
 }
 
 std::string MO::translatePlural(std::string singular, std::string plural, int n,
                                 std::string context) const {
-  const TranslateEntry* entry = find(singular, context);
+  const char* record = find(singular, context);
   const unsigned int index = selectPluralForm(n);
-  if (entry != nullptr && index < entry->translations.size()) {
-    return entry->translations[index];
+  if (record != nullptr) {
+    const std::vector<std::string>& forms = entries[viewRecord(record).entry].translations;
+    if (index < forms.size()) return forms[index];
   }
   return n == 1 ? singular : plural;
 }

@@ -83,26 +83,31 @@ class TESSEL_API MO {
   unsigned int selectPluralForm(int n) const;
 
  private:
-  // Slot of the open-addressing index over `entries`.
+  // Slot of the open-addressing index over the messages.
   struct Slot {
-    uint32_t entry;  // index into entries plus one; 0 marks a free slot
-    uint32_t hash;   // low bits of the key's hash, checked before the key
+    uint32_t record;  // offset of the message's record in `lookup` plus one; 0: free
+    uint32_t hash;    // low bits of the key's hash, checked before the key
   };
 
-  // Whether `key` is the entry's key, compared without building it.
-  static bool keyEquals(const TranslateEntry& entry, std::string_view key);
   void parseImage(const unsigned char* data, size_t size);
-  const TranslateEntry* find(const std::string& singular, const std::string& context) const;
-  const TranslateEntry* findKey(std::string_view key, size_t hash) const;
-  void store(TranslateEntry entry);
+  // The record of the message stored under (singular, context), or null.
+  const char* find(const std::string& singular, const std::string& context) const;
+  const char* findKey(std::string_view key, size_t hash) const;
+  // Adds or replaces the message; false when the lookup records would pass
+  // 4 GiB (the image is then refused).
+  bool store(TranslateEntry entry);
+  void placeSlot(Slot slot);
 
   unsigned int nplurals;
   std::function<int(int)> pluralExpression;
   bool isInited;
   std::string headersInfo;
-  // One entry per key (Entry::getKey); `slots` indexes them by key, with a
-  // power-of-two size at least twice the number of entries.
+  // One entry per key (Entry::getKey). For fast lookups each message also has
+  // a record in `lookup` (entry index, key length, form-0 length, key bytes,
+  // form-0 bytes), so a hit reads one slot and one record; `slots` indexes
+  // the records, with a power-of-two size at least twice the message count.
   std::vector<TranslateEntry> entries;
+  std::string lookup;
   std::vector<Slot> slots;
 };
 
