@@ -25,10 +25,10 @@ class TESSEL_API Entry {
   Entry(const Entry& other);
   Entry& operator=(const Entry& other);
 
-  bool getIsPural() const;
-  std::string getSingular() const;
-  std::string getPlural() const;
-  std::string getContext() const;
+  virtual bool getIsPural() const;
+  virtual std::string getSingular() const;
+  virtual std::string getPlural() const;
+  virtual std::string getContext() const;
 
   virtual ~Entry();
 
@@ -73,7 +73,7 @@ class TESSEL_API TranslateEntry : public Entry {
   // is exactly one form, " Translation[i]: <form>" when there are several.
   std::string toString() const override;
 
-  const std::vector<std::string>& getTranslations() const;
+  virtual const std::vector<std::string>& getTranslations() const;
 
  protected:
   friend class MO;
@@ -97,7 +97,7 @@ class TESSEL_API NoopEntry : public Entry {
   // The base text, then "\n\t Domain:\t\t <domain>" when the domain is set.
   std::string toString() const override;
 
-  const std::string& getDomain() const;
+  virtual const std::string& getDomain() const;
 
  protected:
   friend class MO;
