@@ -156,7 +156,6 @@ void MO::parseImage(const unsigned char* data, size_t size) {
   const size_t expected =
       static_cast<size_t>(std::min<uint64_t>({count, size / 16, uint64_t{1} << 20}));
   staged.entries.reserve(expected);
-  staged.lookup.reserve(static_cast<size_t>(std::min<uint64_t>(size, uint64_t{1} << 24)));
   staged.slots.resize(slotCountFor(expected));
   for (uint64_t i = 0; i < count; ++i) {
     const uint64_t sourceLength = word.at(sources + 8 * i);
