@@ -21,7 +21,7 @@ constexpr size_t kStackValueBytes = 256;
 
 // The first placeholder of a position decides how its argument is formatted.
 struct Record {
-  std::string spec;      // what snprintf gets: "%", flags, width, precision, kept length, conversion
+  std::string directive;  // what snprintf gets: "%", flags, width, precision, kept length, conversion
   std::string length;    // the length modifier as written
   char conversion;
   std::string position;  // the position digits as written
@@ -53,23 +53,23 @@ std::string keptLength(const std::string& length, char conversion) {
 }
 
 template <typename T>
-std::string formatValue(const std::string& spec, T value) {
+std::string formatValue(const std::string& directive, T value) {
   char small[kStackValueBytes];
-  const int needed = std::snprintf(small, sizeof small, spec.c_str(), value);
+  const int needed = std::snprintf(small, sizeof small, directive.c_str(), value);
   if (needed < 0) return std::string();
   if (static_cast<size_t>(needed) < sizeof small) return std::string(small, needed);
   std::vector<char> large(std::min(static_cast<size_t>(needed), kMaxValueBytes) + 1);
-  std::snprintf(large.data(), large.size(), spec.c_str(), value);
+  std::snprintf(large.data(), large.size(), directive.c_str(), value);
   return std::string(large.data(), large.size() - 1);
 }
 
 std::string formatInteger(const Record& record, va_list* args) {
-  if (record.length == "l") return formatValue(record.spec, va_arg(*args, long));
-  if (record.length == "ll") return formatValue(record.spec, va_arg(*args, long long));
+  if (record.length == "l") return formatValue(record.directive, va_arg(*args, long));
+  if (record.length == "ll") return formatValue(record.directive, va_arg(*args, long long));
   const int value = va_arg(*args, int);
-  if (record.length == "hh") return formatValue(record.spec, int(static_cast<unsigned char>(value)));
-  if (record.length == "h") return formatValue(record.spec, int(static_cast<unsigned short>(value)));
-  return formatValue(record.spec, value);
+  if (record.length == "hh") return formatValue(record.directive, int(static_cast<unsigned char>(value)));
+  if (record.length == "h") return formatValue(record.directive, int(static_cast<unsigned short>(value)));
+  return formatValue(record.directive, value);
 }
 
 std::string formatArgument(const Record& record, va_list* args) {
@@ -79,16 +79,16 @@ std::string formatArgument(const Record& record, va_list* args) {
     const int value = va_arg(*args, int);
     if (record.length == "l") {
       using WideUnit = std::make_unsigned_t<wchar_t>;
-      return formatValue(record.spec, static_cast<wint_t>(static_cast<WideUnit>(value)));
+      return formatValue(record.directive, static_cast<wint_t>(static_cast<WideUnit>(value)));
     }
-    return formatValue(record.spec, int(static_cast<char>(value)));
+    return formatValue(record.directive, int(static_cast<char>(value)));
   }
   if (c == 's') {
-    if (record.length == "l") return formatValue(record.spec, va_arg(*args, const wchar_t*));
-    return formatValue(record.spec, va_arg(*args, const char*));
+    if (record.length == "l") return formatValue(record.directive, va_arg(*args, const wchar_t*));
+    return formatValue(record.directive, va_arg(*args, const char*));
   }
-  if (c == 'p') return formatValue(record.spec, va_arg(*args, void*));
-  return formatValue(record.spec, va_arg(*args, double));
+  if (c == 'p') return formatValue(record.directive, va_arg(*args, void*));
+  return formatValue(record.directive, va_arg(*args, double));
 }
 
 Record recordOf(std::string_view text, const placeholder::Match& match) {
@@ -96,9 +96,9 @@ Record recordOf(std::string_view text, const placeholder::Match& match) {
   record.length = std::string(text.substr(match.lengthBegin, match.lengthSize));
   record.conversion = text[match.conversion];
   record.position = std::string(text.substr(match.conversion + 1, match.positionSize));
-  record.spec = std::string(text.substr(match.begin, match.lengthBegin - match.begin));
-  record.spec += keptLength(record.length, record.conversion);
-  record.spec += record.conversion;
+  record.directive = std::string(text.substr(match.begin, match.lengthBegin - match.begin));
+  record.directive += keptLength(record.length, record.conversion);
+  record.directive += record.conversion;
   return record;
 }
 
