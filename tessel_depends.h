@@ -35,4 +35,9 @@
 #include "common/identifiers.h"
 #include "common/string_utils.h"
 
+// Translation catalogs
+#include "i18n/entry.h"
+#include "i18n/mo.h"
+#include "i18n/i18n_utils.h"
+
 #endif  // TESSEL_DEPENDS_H_

@@ -1,0 +1,106 @@
+// I18nUtils is the process-wide registry of translation catalogs, one MO per
+// text domain, and the gettext-style front for translating texts: gettext,
+// xgettext (with context), ngettext (with plural), nxgettext (both), deferred
+// entries for texts whose count is known later, and the positional formatter
+// formatMatch. Every lookup degrades to the caller's own text. Creating and
+// destroying the instance is serialised; everything else takes no lock:
+// lookups may run on several threads at once while no thread registers,
+// fetches (getMO may insert), removes or destroys.
+#ifndef TESSEL_I18N_I18N_UTILS_H_
+#define TESSEL_I18N_I18N_UTILS_H_
+
+#include <functional>
+#include <string>
+#include <unordered_map>
+
+#include "common/tessel_export.h"
+#include "i18n/entry.h"
+#include "i18n/mo.h"
+
+namespace I18N {
+
+class TESSEL_API I18nUtils {
+ public:
+  // The name that addMO and getMO use for an empty domain; "default" when the
+  // library is loaded. Writable; not guarded: change it before other threads
+  // register catalogs.
+  static std::string DEFAULT_DOMAIN;
+
+  // The single registry, created empty on first use. Never null.
+  static I18nUtils* getInstance();
+  // Deletes the registry with all its catalogs; harmless when there is none.
+  // Must not overlap with any use. A later getInstance() starts empty.
+  static void destroyInstance();
+
+  I18nUtils(const I18nUtils& other);
+  I18nUtils& operator=(const I18nUtils& other);
+  virtual ~I18nUtils();
+
+  // Build a catalog (MO's constructors) and store a copy under `domain`
+  // (DEFAULT_DOMAIN when empty), replacing any catalog there, even when the
+  // new one was not accepted: callers that care check getMO(d).getIsInited().
+  // A null image or an empty path does nothing. The image must be well
+  // formed (see MO); for images of unknown origin, build an MO with the sized
+  // constructor and register it with the third overload.
+  void addMO(unsigned char* data, std::function<int(int)> pluralExpression,
+             unsigned int nplurals, std::string domain);
+  void addMO(std::string path, std::function<int(int)> pluralExpression, unsigned int nplurals,
+             std::string domain);
+  void addMO(MO mo, std::string domain);
+  // The catalog of `domain` (DEFAULT_DOMAIN when empty); an empty,
+  // uninitialised catalog is stored there first when there is none. The
+  // reference is valid until the domain is replaced or removed, the table is
+  // cleared or the registry destroyed.
+  const MO& getMO(std::string domain);
+  // Exact names: an empty name is not replaced by DEFAULT_DOMAIN here.
+  bool hasMO(std::string domain) const;
+  void removeMO(std::string domain);
+  void removeAllMO();
+
+  // Lookups by the exact domain name (an empty name is the empty name). A
+  // missing domain or message gives back the message, or for the plural calls
+  // the singular when n == 1 and the plural otherwise.
+  std::string gettext(std::string message, std::string domain) const;
+  std::string xgettext(std::string message, std::string context, std::string domain) const;
+  std::string ngettext(std::string singular, std::string plural, int n,
+                       std::string domain) const;
+  std::string nxgettext(std::string singular, std::string plural, int n, std::string context,
+                        std::string domain) const;
+
+  // Package a plural message for later translation, without looking at any
+  // catalog; the domain is kept as passed (empty stays empty).
+  NoopEntry ngettextNoop(std::string singular, std::string plural, std::string domain) const;
+  NoopEntry nxgettextNoop(std::string singular, std::string plural, std::string context,
+                          std::string domain) const;
+  // Translates the entry as nxgettext would, in the entry's own domain when it
+  // has one and in `domain` otherwise. The entry is not changed.
+  std::string translateNooped(NoopEntry& entry, int n, std::string domain) const;
+
+  // Fills a format whose printf-style placeholders carry their argument's
+  // position right after the conversion ("%s1", "%.2f2", "%-8.3lf3"): the
+  // arguments are the values for positions 1, 2, 3 ... in that order, of the
+  // types the conversions call for (integers as int unless the length is "l"
+  // or "ll", "hh"/"h" values reduced to 8/16 bits, "%c" an int, "%s"/"%p"
+  // pointers, floating conversions a double). For each position the first
+  // placeholder decides how its argument is read and formatted; every
+  // placeholder with the same position digits receives that text, inserted
+  // verbatim and never searched again. Positions must run 1 to K without
+  // gaps; a gap skips an index without reading an argument and leaves higher
+  // positions unfilled. Anything else ("%d", "%%", "%1$s", position 0,
+  // positions beyond the int range) stays as it is. A value is cut to 102397
+  // bytes. A null format gives an empty string. Thread-safe.
+  static std::string formatMatch(const char* format, ...);
+
+ private:
+  I18nUtils();
+
+  std::string translate(std::string message, std::string context, std::string domain) const;
+  std::string translatePlural(std::string singular, std::string plural, int n,
+                              std::string context, std::string domain) const;
+
+  std::unordered_map<std::string, MO> moMap;
+};
+
+}  // namespace I18N
+
+#endif  // TESSEL_I18N_I18N_UTILS_H_

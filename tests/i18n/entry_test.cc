@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "i18n/entry.h"
+#include "i18n/i18n_utils.h"
+
+namespace {
+
+using I18N::Entry;
+using I18N::NoopEntry;
+using I18N::TranslateEntry;
+
+// Test-only access to the protected setters that the catalog and registry use.
+struct KeyProbe : Entry {
+  using Entry::createKey;
+};
+
+struct FilledTranslateEntry : TranslateEntry {
+  FilledTranslateEntry(std::string singular, std::string plural, bool isPural,
+                       std::vector<std::string> forms) {
+    setSingular(std::move(singular));
+    setPlural(std::move(plural));
+    setIsPural(isPural);
+    setTranslations(std::move(forms));
+  }
+};
+
+TEST(Entry, KeysJoinContextAndMessageWithEot) {
+  EXPECT_EQ(KeyProbe::createKey("Open", ""), "Open");
+  EXPECT_EQ(KeyProbe::createKey("Open", "menu"), std::string("menu\x04Open"));
+  EXPECT_EQ(KeyProbe::createKey("", "menu"), std::string("menu\x04"));
+  const NoopEntry noop = I18N::I18nUtils::getInstance()->nxgettextNoop("a", "b", "ctx", "d");
+  EXPECT_EQ(noop.getKey(), std::string("ctx\x04" "a"));  // the plural is never part of it
+}
+
+TEST(Entry, NewEntriesPrintOnlyTheirClass) {
+  EXPECT_EQ(Entry().toString(), "[Entry]");
+  EXPECT_EQ(TranslateEntry().toString(), "[TranslateEntry]");
+  EXPECT_EQ(NoopEntry().toString(), "[NoopEntry]");
+  const Entry fresh;
+  EXPECT_FALSE(fresh.getIsPural());
+  EXPECT_EQ(fresh.getSingular() + fresh.getPlural() + fresh.getContext(), "");
+}
+
+TEST(Entry, PluralLineNeedsFlagAndText) {
+  EXPECT_EQ(FilledTranslateEntry("file", "files", false, {}).toString(),
+            "[TranslateEntry]\n\t Singular:\t\t file");
+  EXPECT_EQ(FilledTranslateEntry("file", "", true, {}).toString(),
+            "[TranslateEntry]\n\t Singular:\t\t file");
+  EXPECT_EQ(FilledTranslateEntry("", "files", true, {}).toString(),
+            "[TranslateEntry]\n\t Plural:\t\t files");
+}
+
+TEST(Entry, NoopEntryPrintsItsDomain) {
+  auto* registry = I18N::I18nUtils::getInstance();
+  EXPECT_EQ(registry->ngettextNoop("file", "files", "app").toString(),
+            "[NoopEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files\n\t Domain:\t\t app");
+  EXPECT_EQ(registry->nxgettextNoop("file", "files", "disk", "").toString(),
+            "[NoopEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files\n\t Context:\t\t disk");
+}
+
+TEST(Entry, TranslateEntryPrintsItsForms) {
+  EXPECT_EQ(FilledTranslateEntry("file", "files", true, {"Datei", "Dateien"}).toString(),
+            "[TranslateEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files"
+            "\n\t Translation[0]: Datei\n\t Translation[1]: Dateien");
+  const std::string single = FilledTranslateEntry("file", "", false, {"Datei"}).toString();
+  EXPECT_EQ(single, "[TranslateEntry]\n\t Singular:\t\t file\n\t Translation:\t Datei");
+  EXPECT_EQ(FilledTranslateEntry("x", "", false, {""}).toString(),
+            "[TranslateEntry]\n\t Singular:\t\t x\n\t Translation:\t ");
+}
+
+TEST(Entry, CopiesCarryEveryFieldAndTheClassName) {
+  const FilledTranslateEntry source("file", "files", true, {"Datei", "Dateien"});
+  TranslateEntry copy(source);
+  EXPECT_EQ(copy.toString(), source.toString());
+  EXPECT_EQ(copy.getTranslations(), (std::vector<std::string>{"Datei", "Dateien"}));
+  Entry base;
+  base = source;  // slices, keeping the derived class's name
+  EXPECT_EQ(base.toString(), "[TranslateEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files");
+  EXPECT_TRUE(base.getIsPural());
+
+  NoopEntry noop = I18N::I18nUtils::getInstance()->ngettextNoop("a", "b", "dom");
+  NoopEntry other;
+  other = noop;
+  EXPECT_EQ(other.getDomain(), "dom");
+  EXPECT_EQ(other.toString(), noop.toString());
+  I18N::I18nUtils::destroyInstance();
+}
+
+}  // namespace

@@ -1,0 +1,301 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "i18n/mo.h"
+#include "i18n/mo_image.h"
+
+namespace {
+
+using I18N::MO;
+using i18n_test::BuildImage;
+using i18n_test::CompiledCatalog;
+using i18n_test::GermanRule;
+using i18n_test::PutWord;
+using i18n_test::RawMessage;
+using i18n_test::ReadBytes;
+
+const std::string kNul(1, '\0');
+
+std::string TempPath(const std::string& name) { return ::testing::TempDir() + name; }
+
+void WriteFile(const std::string& path, const std::vector<unsigned char>& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+MO FromImage(const std::vector<unsigned char>& image, std::function<int(int)> rule = GermanRule,
+             unsigned int nplurals = 2) {
+  return MO(image.data(), image.size(), std::move(rule), nplurals);
+}
+
+// Expected answers are the msgstr texts of tests/data/i18n/de.po.
+void ExpectGermanAnswers(const MO& mo) {
+  ASSERT_TRUE(mo.getIsInited());
+  EXPECT_EQ(mo.translate("Open", ""), "Öffnen");
+  EXPECT_EQ(mo.translate("Open", "menu"), "Öffnen…");
+  EXPECT_EQ(mo.translate("Close", ""), "Schließen");
+  EXPECT_EQ(mo.translate("Close", "toolbar"), "Zu");
+  EXPECT_EQ(mo.translate("Close", "menu"), "Close");
+  EXPECT_EQ(mo.translate("Line one\nLine two", ""), "Zeile eins\nZeile zwei");
+  EXPECT_EQ(mo.translate("Tab\there", ""), "Tab\thier");
+  EXPECT_EQ(mo.translate("file", ""), "Datei");
+  EXPECT_EQ(mo.translatePlural("file", "files", 1, ""), "Datei");
+  for (int n : {0, 2, -5, 1000}) EXPECT_EQ(mo.translatePlural("file", "files", n, ""), "Dateien");
+  EXPECT_EQ(mo.translatePlural("message", "messages", 1, "mailbox"), "Nachricht");
+  EXPECT_EQ(mo.translatePlural("message", "messages", 7, "mailbox"), "Nachrichten");
+  // Stored only with a context: without one it is missing.
+  EXPECT_EQ(mo.translatePlural("message", "messages", 7, ""), "messages");
+  EXPECT_EQ(mo.getHeadersInfo(),
+            "Project-Id-Version: tessel-test 1.0\nLanguage: de\nMIME-Version: 1.0\n"
+            "Content-Type: text/plain; charset=UTF-8\nContent-Transfer-Encoding: 8bit\n"
+            "Plural-Forms: nplurals=2; plural=(n != 1);\n");
+}
+
+TEST(MoCatalog, MsgfmtCatalogsInBothByteOrdersAnswerAlike) {
+  for (const char* order : {"little", "big"}) {
+    SCOPED_TRACE(order);
+    MO fromFile(CompiledCatalog("de", order), GermanRule, 2);
+    ExpectGermanAnswers(fromFile);
+    std::vector<unsigned char> image = ReadBytes(CompiledCatalog("de", order));
+    ExpectGermanAnswers(FromImage(image));
+    ExpectGermanAnswers(MO(image.data(), GermanRule, 2));
+  }
+}
+
+TEST(MoCatalog, HandBuiltImagesInBothByteOrdersAnswerAlike) {
+  const std::vector<RawMessage> messages = {
+      {"", "Plural-Forms: nplurals=3; plural=n==1?0:n==2?1:2;\n"},
+      {"menu\x04Open", "Öffnen"},
+      {"file" + kNul + "files", "Datei" + kNul + "Dateien"},
+  };
+  const MO little = FromImage(BuildImage(messages, false));
+  const MO big = FromImage(BuildImage(messages, true));
+  for (const MO* mo : {&little, &big}) {
+    ASSERT_TRUE(mo->getIsInited());
+    EXPECT_EQ(mo->translate("Open", "menu"), "Öffnen");
+    EXPECT_EQ(mo->translatePlural("file", "files", 2, ""), "Dateien");
+    // The header's rule is not used: the catalog keeps the two-form rule it was given.
+    EXPECT_EQ(mo->selectPluralForm(2), 1u);
+    EXPECT_EQ(mo->getHeadersInfo(), "Plural-Forms: nplurals=3; plural=n==1?0:n==2?1:2;\n");
+  }
+}
+
+TEST(MoCatalog, RefusesRevisionOneAndStillAcceptsAValidImageAfterwards) {
+  // msgfmt writes revision 1 for catalogs with <PRIu64>.
+  MO mo;
+  EXPECT_TRUE(mo.loadMoFile(CompiledCatalog("sysdep", "little")));
+  EXPECT_FALSE(mo.getIsInited());
+  EXPECT_EQ(mo.translate("Open", ""), "Open");
+  std::vector<unsigned char> handMade = BuildImage({{"Open", "Auf"}}, true, 1);
+  mo.parseMoFile(handMade.data(), handMade.size());
+  EXPECT_FALSE(mo.getIsInited());
+  EXPECT_TRUE(mo.loadMoFile(CompiledCatalog("de", "big")));
+  EXPECT_TRUE(mo.getIsInited());
+  EXPECT_EQ(mo.translate("Open", ""), "Öffnen");
+  // Once initialised, nothing more is read in.
+  EXPECT_FALSE(mo.loadMoFile(CompiledCatalog("de", "little")));
+  std::vector<unsigned char> other = BuildImage({{"Open", "Auf"}});
+  mo.parseMoFile(other.data(), other.size());
+  mo.parseMoFile(other.data());
+  EXPECT_EQ(mo.translate("Open", ""), "Öffnen");
+}
+
+TEST(MoCatalog, LoadMoFileResults) {
+  MO mo;
+  EXPECT_FALSE(mo.loadMoFile(""));
+  EXPECT_FALSE(mo.loadMoFile(TempPath("no-such-catalog.mo")));
+  EXPECT_FALSE(mo.loadMoFile(::testing::TempDir()));  // a directory
+  WriteFile(TempPath("empty.mo"), {});
+  EXPECT_FALSE(mo.loadMoFile(TempPath("empty.mo")));
+  std::vector<unsigned char> badMagic = BuildImage({{"Open", "Auf"}});
+  badMagic[0] = 0xDF;
+  WriteFile(TempPath("bad-magic.mo"), badMagic);
+  EXPECT_TRUE(mo.loadMoFile(TempPath("bad-magic.mo")));
+  EXPECT_FALSE(mo.getIsInited());
+  EXPECT_FALSE(MO(TempPath("no-such-catalog.mo"), GermanRule, 2).getIsInited());
+
+  MO none(static_cast<unsigned char*>(nullptr), GermanRule, 2);
+  EXPECT_FALSE(none.getIsInited());
+  none.parseMoFile(nullptr);
+  none.parseMoFile(nullptr, 100);
+  EXPECT_FALSE(none.getIsInited());
+}
+
+TEST(MoCatalog, EmptyImageIsAcceptedAndEveryLookupFallsBack) {
+  const MO mo = FromImage(BuildImage({}));
+  EXPECT_TRUE(mo.getIsInited());
+  EXPECT_EQ(mo.getHeadersInfo(), "");
+  EXPECT_EQ(mo.translate("Open", "menu"), "Open");
+  EXPECT_EQ(mo.translatePlural("file", "files", 1, ""), "file");
+  EXPECT_EQ(mo.translatePlural("file", "files", 0, ""), "files");
+  const MO uninitialised;
+  EXPECT_EQ(uninitialised.translatePlural("file", "files", -1, "x"), "files");
+}
+
+TEST(MoCatalog, HeaderIsCutAtNulAndASecondEmptyKeyIsAMessage) {
+  const MO mo = FromImage(BuildImage({
+      {"", "Language: de\n" + kNul + "ignored"},
+      {"", "second" + kNul + "seconds"},
+  }));
+  EXPECT_EQ(mo.getHeadersInfo(), "Language: de\n");
+  EXPECT_EQ(mo.translate("", ""), "second");
+  EXPECT_EQ(mo.translatePlural("", "x", 3, ""), "seconds");
+}
+
+TEST(MoCatalog, ContextKeys) {
+  const MO mo = FromImage(BuildImage({
+      {"menu\x04Open", "Menü öffnen"},
+      {"\x04Save", "Sichern"},
+      {"a\x04" "b\x04" "c", "nested"},
+  }));
+  EXPECT_EQ(mo.translate("Open", "menu"), "Menü öffnen");
+  EXPECT_EQ(mo.translate("Open", ""), "Open");
+  EXPECT_EQ(mo.translate("Save", ""), "Sichern");
+  // The context ends at the first separator; the key is all the bytes.
+  EXPECT_EQ(mo.translate("b\x04" "c", "a"), "nested");
+  EXPECT_EQ(mo.translate("c", "a\x04" "b"), "nested");
+  EXPECT_EQ(mo.translate(std::string(300, 'k'), std::string(300, 'c')), std::string(300, 'k'));
+}
+
+TEST(MoCatalog, PluralFormsAndFallbacks) {
+  const std::vector<RawMessage> messages = {{"file" + kNul + "files", "Datei" + kNul + "Dateien"}};
+  const auto image = BuildImage(messages);
+  const MO twoForms = FromImage(image);
+  EXPECT_EQ(twoForms.translatePlural("file", "files", 1, ""), "Datei");
+  for (int n : {0, 2, -5}) EXPECT_EQ(twoForms.translatePlural("file", "files", n, ""), "Dateien");
+  EXPECT_EQ(twoForms.translatePlural("dir", "dirs", 1, ""), "dir");
+  EXPECT_EQ(twoForms.translatePlural("dir", "dirs", 0, ""), "dirs");
+
+  // Three forms declared, the entry has two: index 2 falls back.
+  const MO threeForms = FromImage(image, [](int n) { return n == 1 ? 0 : 2; }, 3);
+  EXPECT_EQ(threeForms.translatePlural("file", "files", 5, ""), "files");
+  EXPECT_EQ(threeForms.translatePlural("file", "files", 1, ""), "Datei");
+
+  EXPECT_EQ(FromImage(image, [](int) { return -3; }, 2).translatePlural("file", "files", 4, ""),
+            "Datei");
+  EXPECT_EQ(FromImage(image, [](int) { return 99; }, 2).translatePlural("file", "files", 1, ""),
+            "Dateien");
+  EXPECT_EQ(FromImage(image, [](int) { return 99; }, 0).selectPluralForm(7), 0u);
+  EXPECT_EQ(FromImage(image, nullptr, 2).selectPluralForm(1), 0u);
+  EXPECT_EQ(FromImage(image, nullptr, 2).selectPluralForm(-1), 1u);
+}
+
+TEST(MoCatalog, TranslationsSplitIntoForms) {
+  const MO mo = FromImage(BuildImage({
+      {"empty", ""},
+      {"one" + kNul + "ones", "eins" + kNul},
+      {"two" + kNul + "twos", "zwei" + kNul + kNul},
+  }));
+  EXPECT_EQ(mo.translate("empty", ""), "");  // one empty form, not the fallback
+  EXPECT_EQ(mo.translatePlural("empty", "empties", 1, ""), "");
+  EXPECT_EQ(mo.translatePlural("empty", "empties", 2, ""), "empties");
+  EXPECT_EQ(mo.translatePlural("one", "ones", 2, ""), "ones");  // a trailing NUL adds no form
+  EXPECT_EQ(mo.translatePlural("two", "twos", 2, ""), "");      // two NULs add an empty form
+}
+
+TEST(MoCatalog, LaterDuplicateKeyWinsWhateverItsPlural) {
+  const MO mo = FromImage(BuildImage({
+      {"file" + kNul + "files", "A" + kNul + "As"},
+      {"file" + kNul + "filez", "B"},
+  }));
+  EXPECT_EQ(mo.translate("file", ""), "B");
+  EXPECT_EQ(mo.translatePlural("file", "files", 2, ""), "files");
+}
+
+TEST(MoCatalog, CopiesOutliveTheOriginal) {
+  auto calls = std::make_shared<int>(0);
+  auto original = std::make_unique<MO>(
+      CompiledCatalog("de", "little"),
+      [calls](int n) {
+        ++*calls;
+        return n == 1 ? 0 : 1;
+      },
+      2);
+  MO copy(*original);
+  MO assigned;
+  assigned = *original;
+  original.reset();
+  ExpectGermanAnswers(copy);
+  ExpectGermanAnswers(assigned);
+  const int before = *calls;
+  EXPECT_EQ(assigned.translatePlural("file", "files", 3, ""), "Dateien");
+  EXPECT_EQ(*calls, before + 1);  // the copied rule is the caller's own
+}
+
+TEST(MoCatalog, EveryTruncationOfARealCatalogIsRefusedWithoutOverreading) {
+  const std::vector<unsigned char> full = ReadBytes(CompiledCatalog("de", "little"));
+  ASSERT_GT(full.size(), 100u);
+  ASSERT_EQ(full.back(), 0);  // msgfmt ends the image with the last string's NUL
+  for (size_t size = 0; size <= full.size(); ++size) {
+    // An exact-size heap copy, so that AddressSanitizer sees any read past it.
+    std::vector<unsigned char> prefix(full.begin(), full.begin() + size);
+    const MO mo = FromImage(prefix);
+    // The terminating NUL of the last string is not needed.
+    ASSERT_EQ(mo.getIsInited(), size + 1 >= full.size()) << size;
+  }
+  std::vector<unsigned char> cut(full.begin(), full.end() - 40);
+  WriteFile(TempPath("cut.mo"), cut);
+  MO fromFile;
+  EXPECT_TRUE(fromFile.loadMoFile(TempPath("cut.mo")));
+  EXPECT_FALSE(fromFile.getIsInited());
+}
+
+TEST(MoCatalog, HostileHeadersAndDescriptorsAreRefused) {
+  const auto valid = BuildImage({{"Open", "Auf"}, {"Save", "Sichern"}});
+  struct Case {
+    const char* what;
+    size_t offset;
+    uint32_t value;
+  };
+  const Case cases[] = {
+      {"count whose table size overflows 32 bits", 8, 0x20000000},
+      {"largest count", 8, 0xFFFFFFFF},
+      {"count one too many", 8, 3},
+      {"source table beyond the end", 12, 0xFFFFFFF8},
+      {"translation table beyond the end", 16, 0xFFFFFFF8},
+      {"source offset near 2^32", 28 + 4, 0xFFFFFFF0},
+      {"source length past the end", 28, 0x7FFFFFFF},
+      {"translation length past the end", 28 + 16 + 8, 0xFFFFFFFF},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    auto image = valid;
+    PutWord(image, c.offset, c.value, false);
+    EXPECT_FALSE(FromImage(image).getIsInited());
+  }
+  // A string that ends exactly at the end of the image is fine.
+  auto exact = BuildImage({{"Open", "Auf"}});
+  exact.pop_back();
+  EXPECT_EQ(FromImage(exact).translate("Open", ""), "Auf");
+  for (size_t size = 0; size < 28; ++size) EXPECT_FALSE(FromImage({valid.begin(), valid.begin() + size}).getIsInited());
+}
+
+TEST(MoCatalog, RandomlyCorruptedImagesNeverReadOutOfBounds) {
+  const std::vector<unsigned char> base = ReadBytes(CompiledCatalog("de", "big"));
+  std::mt19937 random(20261123);
+  int accepted = 0;
+  for (int round = 0; round < 3000; ++round) {
+    std::vector<unsigned char> image = base;
+    const int flips = 1 + static_cast<int>(random() % 4);
+    for (int i = 0; i < flips; ++i) {
+      // Mostly the header and descriptor tables, where offsets live.
+      const size_t at = random() % 2 == 0 ? random() % 120 : random() % image.size();
+      image[at] = static_cast<unsigned char>(random());
+    }
+    image.resize(image.size() - random() % 3);
+    const MO mo = FromImage(image);
+    if (!mo.getIsInited()) continue;
+    ++accepted;
+    mo.translate("Open", "menu");
+    mo.translatePlural("file", "files", 2, "");
+  }
+  EXPECT_GT(accepted, 0);  // the corruption does not only hit the magic number
+}
+
+}  // namespace

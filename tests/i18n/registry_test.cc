@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "i18n/i18n_utils.h"
+#include "i18n/mo_image.h"
+
+namespace {
+
+using I18N::I18nUtils;
+using I18N::MO;
+using i18n_test::CompiledCatalog;
+using i18n_test::GermanRule;
+
+const std::string kNul(1, '\0');
+
+// Every case starts and ends with no registry and the load-time default name.
+class Registry : public ::testing::Test {
+ protected:
+  void SetUp() override { I18nUtils::destroyInstance(); }
+  void TearDown() override {
+    I18nUtils::destroyInstance();
+    I18nUtils::DEFAULT_DOMAIN = "default";
+  }
+  I18nUtils& registry() { return *I18nUtils::getInstance(); }
+  std::vector<unsigned char> image_ = i18n_test::BuildImage({
+      {"Open", "Öffnen"},
+      {"menu\x04Open", "Menü öffnen"},
+      {"file" + kNul + "files", "Datei" + kNul + "Dateien"},
+      {"box\x04" "mail" + kNul + "mails", "Post" + kNul + "Posten"},
+  });
+};
+
+TEST_F(Registry, EmptyDomainIsDefaultDomainOnlyWhenRegisteringAndFetching) {
+  EXPECT_EQ(I18nUtils::DEFAULT_DOMAIN, "default");
+  registry().addMO(image_.data(), GermanRule, 2, "");
+  EXPECT_TRUE(registry().hasMO("default"));
+  EXPECT_FALSE(registry().hasMO(""));
+  EXPECT_EQ(registry().gettext("Open", ""), "Open");
+  EXPECT_EQ(registry().gettext("Open", "default"), "Öffnen");
+  EXPECT_TRUE(registry().getMO("").getIsInited());
+  registry().removeMO("");
+  EXPECT_TRUE(registry().hasMO("default"));
+
+  I18nUtils::DEFAULT_DOMAIN = "app";
+  registry().addMO(image_.data(), GermanRule, 2, "");
+  EXPECT_TRUE(registry().hasMO("app"));
+  EXPECT_EQ(registry().gettext("Open", "app"), "Öffnen");
+}
+
+TEST_F(Registry, TheFourLookupsAndTheirFallbacks) {
+  registry().addMO(CompiledCatalog("de", "little"), GermanRule, 2, "de");
+  registry().addMO(image_.data(), GermanRule, 2, "hand");
+  EXPECT_EQ(registry().gettext("Open", "de"), "Öffnen");
+  EXPECT_EQ(registry().xgettext("Open", "menu", "de"), "Öffnen…");
+  EXPECT_EQ(registry().xgettext("Open", "menu", "hand"), "Menü öffnen");
+  EXPECT_EQ(registry().gettext("Open", "hand"), "Öffnen");
+  EXPECT_EQ(registry().xgettext("Open", "nothing", "hand"), "Open");
+  EXPECT_EQ(registry().ngettext("file", "files", 1, "de"), "Datei");
+  EXPECT_EQ(registry().ngettext("file", "files", 3, "de"), "Dateien");
+  EXPECT_EQ(registry().nxgettext("mail", "mails", 1, "box", "hand"), "Post");
+  EXPECT_EQ(registry().nxgettext("mail", "mails", 0, "box", "hand"), "Posten");
+  EXPECT_EQ(registry().nxgettext("mail", "mails", 0, "", "hand"), "mails");
+
+  EXPECT_EQ(registry().gettext("Open", "absent"), "Open");
+  EXPECT_EQ(registry().xgettext("Open", "menu", "absent"), "Open");
+  EXPECT_EQ(registry().ngettext("file", "files", 1, "absent"), "file");
+  for (int n : {0, 2, -1}) EXPECT_EQ(registry().ngettext("file", "files", n, "absent"), "files");
+  EXPECT_EQ(registry().nxgettext("file", "files", 1, "c", "absent"), "file");
+}
+
+TEST_F(Registry, RegisteringABadSourceStillReplacesTheCatalog) {
+  registry().addMO(image_.data(), GermanRule, 2, "ui");
+  EXPECT_EQ(registry().gettext("Open", "ui"), "Öffnen");
+  registry().addMO(std::string("/nonexistent/ui.mo"), GermanRule, 2, "ui");
+  EXPECT_TRUE(registry().hasMO("ui"));
+  EXPECT_FALSE(registry().getMO("ui").getIsInited());
+  EXPECT_EQ(registry().gettext("Open", "ui"), "Open");
+
+  registry().addMO(static_cast<unsigned char*>(nullptr), GermanRule, 2, "x");
+  registry().addMO(std::string(), GermanRule, 2, "x");
+  EXPECT_FALSE(registry().hasMO("x"));
+}
+
+TEST_F(Registry, CatalogsAreStoredByValue) {
+  MO mo(image_.data(), image_.size(), GermanRule, 2);
+  registry().addMO(mo, "copy");
+  mo = MO();
+  EXPECT_EQ(registry().gettext("Open", "copy"), "Öffnen");
+  const I18nUtils snapshot(registry());
+  registry().removeAllMO();
+  EXPECT_FALSE(registry().hasMO("copy"));
+  EXPECT_EQ(snapshot.gettext("Open", "copy"), "Öffnen");
+}
+
+TEST_F(Registry, GetMoCreatesAnEmptyCatalog) {
+  const MO& created = registry().getMO("nowhere");
+  EXPECT_FALSE(created.getIsInited());
+  EXPECT_TRUE(registry().hasMO("nowhere"));
+  EXPECT_EQ(created.selectPluralForm(1), 0u);
+  EXPECT_EQ(created.selectPluralForm(5), 1u);
+  registry().removeMO("nowhere");
+  registry().removeMO("never-there");
+  EXPECT_FALSE(registry().hasMO("nowhere"));
+}
+
+TEST_F(Registry, DeferredEntriesTranslateInTheirOwnDomainFirst) {
+  registry().addMO(image_.data(), GermanRule, 2, "core");
+  auto fromArgument = registry().ngettextNoop("file", "files", "");
+  EXPECT_EQ(registry().translateNooped(fromArgument, 1, "core"), "Datei");
+  EXPECT_EQ(registry().translateNooped(fromArgument, 4, "ui"), "files");
+  auto own = registry().ngettextNoop("file", "files", "core");
+  EXPECT_EQ(registry().translateNooped(own, 4, "ui"), "Dateien");
+  auto withContext = registry().nxgettextNoop("mail", "mails", "box", "core");
+  EXPECT_EQ(registry().translateNooped(withContext, 2, ""), "Posten");
+  EXPECT_EQ(withContext.getDomain(), "core");
+  EXPECT_TRUE(own.getIsPural());
+}
+
+TEST_F(Registry, DestroyTwiceThenAFreshRegistry) {
+  registry().addMO(image_.data(), GermanRule, 2, "d");
+  I18nUtils::destroyInstance();
+  I18nUtils::destroyInstance();
+  EXPECT_FALSE(I18nUtils::getInstance()->hasMO("d"));
+  EXPECT_EQ(I18nUtils::getInstance(), I18nUtils::getInstance());
+}
+
+TEST_F(Registry, ConcurrentLookupsAgree) {
+  registry().addMO(CompiledCatalog("de", "big"), GermanRule, 2, "de");
+  const int kThreads = 4;
+  std::vector<std::future<int>> workers;
+  for (int t = 0; t < kThreads; ++t) {
+    workers.push_back(std::async(std::launch::async, [] {
+      int wrong = 0;
+      I18nUtils* shared = I18nUtils::getInstance();
+      for (int i = 0; i < 2000; ++i) {
+        wrong += shared->xgettext("Open", "menu", "de") != "Öffnen…";
+        wrong += shared->ngettext("file", "files", i, "de") != (i == 1 ? "Datei" : "Dateien");
+      }
+      return wrong;
+    }));
+  }
+  for (auto& worker : workers) {
+    ASSERT_EQ(worker.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    EXPECT_EQ(worker.get(), 0);
+  }
+}
+
+TEST_F(Registry, ConcurrentFirstUseCreatesOneRegistry) {
+  std::vector<std::future<I18nUtils*>> callers;
+  for (int t = 0; t < 4; ++t) {
+    callers.push_back(std::async(std::launch::async, [] { return I18nUtils::getInstance(); }));
+  }
+  I18nUtils* first = nullptr;
+  for (auto& caller : callers) {
+    ASSERT_EQ(caller.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    I18nUtils* got = caller.get();
+    if (first == nullptr) first = got;
+    EXPECT_EQ(got, first);
+  }
+}
+
+}  // namespace
