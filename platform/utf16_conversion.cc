@@ -1,0 +1,96 @@
+#include "platform/utf16_conversion.h"
+
+#include <cstdint>
+
+#include "platform/utf8_codec.h"
+
+namespace tessel_platform {
+namespace {
+
+constexpr char32_t kFirstSupplementary = 0x10000;
+
+std::uint32_t Unit(wchar_t element) { return static_cast<std::uint32_t>(element); }
+
+bool IsHighSurrogate(std::uint32_t unit) { return unit - 0xD800 < 0x400; }
+bool IsLowSurrogate(std::uint32_t unit) { return unit - 0xDC00 < 0x400; }
+
+// One loop serves measuring (kWrite false, out unused) and converting.
+template <bool kWrite>
+std::size_t Utf8ToUtf16Units(const char* text, std::size_t length, wchar_t* out) {
+  const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+  const unsigned char* const end = p + length;
+  std::size_t written = 0;
+  while (p < end) {
+    while (end - p >= 8 && IsAsciiBlock(p)) {
+      if (kWrite) {
+        for (int i = 0; i < 8; ++i) out[written + i] = static_cast<wchar_t>(p[i]);
+      }
+      p += 8;
+      written += 8;
+    }
+    if (p == end) break;
+    char32_t code_point;
+    p += DecodeUtf8(p, end, &code_point);
+    if (code_point == kIllFormed) code_point = kReplacementCharacter;
+    if (code_point >= kFirstSupplementary) {
+      if (kWrite) {
+        const char32_t offset = code_point - kFirstSupplementary;
+        out[written] = static_cast<wchar_t>(0xD800 + (offset >> 10));
+        out[written + 1] = static_cast<wchar_t>(0xDC00 + (offset & 0x3FF));
+      }
+      written += 2;
+    } else {
+      if (kWrite) out[written] = static_cast<wchar_t>(code_point);
+      ++written;
+    }
+  }
+  return written;
+}
+
+template <bool kWrite>
+std::size_t Utf16ToUtf8Bytes(const wchar_t* text, std::size_t length, char* out) {
+  std::size_t written = 0;
+  std::size_t i = 0;
+  while (i < length) {
+    while (length - i >= 4 &&
+           (Unit(text[i]) | Unit(text[i + 1]) | Unit(text[i + 2]) | Unit(text[i + 3])) < 0x80) {
+      if (kWrite) {
+        for (int k = 0; k < 4; ++k) out[written + k] = static_cast<char>(text[i + k]);
+      }
+      i += 4;
+      written += 4;
+    }
+    if (i == length) break;
+    const std::uint32_t unit = Unit(text[i]);
+    char32_t code_point = unit;
+    ++i;
+    if (IsHighSurrogate(unit) && i < length && IsLowSurrogate(Unit(text[i]))) {
+      code_point = kFirstSupplementary + ((unit - 0xD800) << 10) + (Unit(text[i]) - 0xDC00);
+      ++i;
+    } else if (unit > 0xFFFF || IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
+      code_point = kReplacementCharacter;
+    }
+    written += kWrite ? EncodeUtf8(code_point, out + written) : Utf8Length(code_point);
+  }
+  return written;
+}
+
+}  // namespace
+
+std::size_t Utf16LengthOfUtf8(const char* text, std::size_t length) {
+  return Utf8ToUtf16Units<false>(text, length, nullptr);
+}
+
+std::size_t Utf8ToUtf16(const char* text, std::size_t length, wchar_t* out) {
+  return Utf8ToUtf16Units<true>(text, length, out);
+}
+
+std::size_t Utf8LengthOfUtf16(const wchar_t* text, std::size_t length) {
+  return Utf16ToUtf8Bytes<false>(text, length, nullptr);
+}
+
+std::size_t Utf16ToUtf8(const wchar_t* text, std::size_t length, char* out) {
+  return Utf16ToUtf8Bytes<true>(text, length, out);
+}
+
+}  // namespace tessel_platform
