@@ -20,11 +20,9 @@ constexpr char32_t kMaxWideCodePoint =
         ? static_cast<char32_t>(std::numeric_limits<wchar_t>::max())
         : kMaxCodePoint;
 
-[[noreturn]] void ThrowBadConversion() { throw std::range_error("bad conversion"); }
+constexpr std::size_t kEncodeBlock = 2048;  // wide elements
 
-bool IsScalarValue(std::uint32_t value) {
-  return value <= kMaxCodePoint && (value < 0xD800 || value > 0xDFFF);
-}
+[[noreturn]] void ThrowBadConversion() { throw std::range_error("bad conversion"); }
 
 }  // namespace
 
@@ -53,16 +51,27 @@ std::wstring StringUtils::s2ws(const std::string& text) {
 }
 
 std::string StringUtils::ws2s(const std::wstring& text) {
-  std::size_t length = 0;
-  for (const wchar_t element : text) {
-    const std::uint32_t value = static_cast<std::uint32_t>(element);
-    if (!IsScalarValue(value)) ThrowBadConversion();
-    length += tessel_platform::Utf8Length(value);
-  }
-  std::string result(length, '\0');
-  char* out = &result[0];
-  for (const wchar_t element : text) {
-    out += tessel_platform::EncodeUtf8(static_cast<std::uint32_t>(element), out);
+  const tessel_platform::WideScan scan = tessel_platform::ScanWide(text.data(), text.size());
+  if (!scan.all_scalar) ThrowBadConversion();
+  // Encoded block by block on the stack and appended, so that the result's
+  // pages are written once.
+  std::string result;
+  result.reserve(scan.utf8_bound);
+  const wchar_t* element = text.data();
+  const wchar_t* const end = element + text.size();
+  // At most four bytes per element; a run of ASCII may overshoot the block's
+  // last element by three.
+  char block[4 * (kEncodeBlock + 3)];
+  while (element < end) {
+    const wchar_t* const block_end =
+        end - element > static_cast<std::ptrdiff_t>(kEncodeBlock) ? element + kEncodeBlock : end;
+    char* out = block;
+    while (element < block_end) {
+      const tessel_platform::EncodeStep step = tessel_platform::EncodeScalarStep(element, end, out);
+      element += step.consumed;
+      out += step.written;
+    }
+    result.append(block, static_cast<std::size_t>(out - block));
   }
   return result;
 }

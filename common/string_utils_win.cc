@@ -15,11 +15,8 @@ StringUtilsWin::~StringUtilsWin() = default;
 
 bool StringUtilsWin::unicodeToUtf8(const wchar_t* text, std::string& out) {
   if (text == nullptr) return false;
-  const std::size_t length = std::wcslen(text);
   try {
-    std::string converted(tessel_platform::Utf8LengthOfUtf16(text, length), '\0');
-    tessel_platform::Utf16ToUtf8(text, length, &converted[0]);
-    out.swap(converted);
+    tessel_platform::Utf16ToUtf8(text, std::wcslen(text), out);
   } catch (const std::bad_alloc&) {
     return false;
   }
@@ -28,12 +25,8 @@ bool StringUtilsWin::unicodeToUtf8(const wchar_t* text, std::string& out) {
 
 bool StringUtilsWin::utf8ToUnicode(const char* text, std::wstring& out) {
   if (text == nullptr) return false;
-  const std::size_t length = std::strlen(text);
   try {
-    // One unit per byte is the most the conversion can produce.
-    std::wstring converted(length, L'\0');
-    converted.resize(tessel_platform::Utf8ToUtf16(text, length, &converted[0]));
-    out.swap(converted);
+    tessel_platform::Utf8ToUtf16(text, std::strlen(text), out);
   } catch (const std::bad_alloc&) {
     return false;
   }

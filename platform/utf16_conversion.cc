@@ -8,6 +8,9 @@ namespace tessel_platform {
 namespace {
 
 constexpr char32_t kFirstSupplementary = 0x10000;
+// Units or bytes per block of the string forms, which convert each block into
+// a buffer on the stack and append it, all within the data cache.
+constexpr std::size_t kBlock = 4096;
 
 std::uint32_t Unit(wchar_t element) { return static_cast<std::uint32_t>(element); }
 
@@ -21,14 +24,20 @@ std::size_t Utf8ToUtf16Units(const char* text, std::size_t length, wchar_t* out)
   const unsigned char* const end = p + length;
   std::size_t written = 0;
   while (p < end) {
-    while (end - p >= 8 && IsAsciiBlock(p)) {
-      if (kWrite) {
-        for (int i = 0; i < 8; ++i) out[written + i] = static_cast<wchar_t>(p[i]);
+    if (*p < 0x80) {
+      if (end - p >= 8 && IsAsciiBlock(p)) {
+        if (kWrite) {
+          for (int i = 0; i < 8; ++i) out[written + i] = static_cast<wchar_t>(p[i]);
+        }
+        p += 8;
+        written += 8;
+      } else {
+        if (kWrite) out[written] = static_cast<wchar_t>(*p);
+        ++p;
+        ++written;
       }
-      p += 8;
-      written += 8;
+      continue;
     }
-    if (p == end) break;
     char32_t code_point;
     p += DecodeUtf8(p, end, &code_point);
     if (code_point == kIllFormed) code_point = kReplacementCharacter;
@@ -47,33 +56,28 @@ std::size_t Utf8ToUtf16Units(const char* text, std::size_t length, wchar_t* out)
   return written;
 }
 
-template <bool kWrite>
-std::size_t Utf16ToUtf8Bytes(const wchar_t* text, std::size_t length, char* out) {
-  std::size_t written = 0;
-  std::size_t i = 0;
-  while (i < length) {
-    while (length - i >= 4 &&
-           (Unit(text[i]) | Unit(text[i + 1]) | Unit(text[i + 2]) | Unit(text[i + 3])) < 0x80) {
-      if (kWrite) {
-        for (int k = 0; k < 4; ++k) out[written + k] = static_cast<char>(text[i + k]);
-      }
-      i += 4;
-      written += 4;
-    }
-    if (i == length) break;
-    const std::uint32_t unit = Unit(text[i]);
-    char32_t code_point = unit;
-    ++i;
-    if (IsHighSurrogate(unit) && i < length && IsLowSurrogate(Unit(text[i]))) {
-      code_point = kFirstSupplementary + ((unit - 0xD800) << 10) + (Unit(text[i]) - 0xDC00);
-      ++i;
-    } else if (unit > 0xFFFF || IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
-      code_point = kReplacementCharacter;
-    }
-    written += kWrite ? EncodeUtf8(code_point, out + written) : Utf8Length(code_point);
+// The end of the UTF-8 block that starts at `start`: never inside a sequence
+// or a maximal subpart, which consist of a lead byte and at most three
+// continuation bytes, so a cut before a byte that is not a continuation byte
+// splits neither.
+std::size_t Utf8BlockEnd(const unsigned char* text, std::size_t start, std::size_t length) {
+  const std::size_t end = start + kBlock;
+  if (end >= length) return length;
+  for (std::size_t cut = end; cut + 3 >= end; --cut) {
+    if ((text[cut] & 0xC0) != 0x80) return cut;
   }
-  return written;
+  // Four continuation bytes: whatever precedes them ends before `end`.
+  return end;
 }
+
+// The end of the UTF-16 block that starts at `start`: a surrogate pair stays
+// in one block.
+std::size_t Utf16BlockEnd(const wchar_t* text, std::size_t start, std::size_t length) {
+  std::size_t end = start + kBlock;
+  if (end >= length) return length;
+  return IsHighSurrogate(Unit(text[end - 1])) ? end + 1 : end;
+}
+
 
 }  // namespace
 
@@ -86,11 +90,52 @@ std::size_t Utf8ToUtf16(const char* text, std::size_t length, wchar_t* out) {
 }
 
 std::size_t Utf8LengthOfUtf16(const wchar_t* text, std::size_t length) {
-  return Utf16ToUtf8Bytes<false>(text, length, nullptr);
+  return ScanWide(text, length).utf8_bound;
 }
 
 std::size_t Utf16ToUtf8(const wchar_t* text, std::size_t length, char* out) {
-  return Utf16ToUtf8Bytes<true>(text, length, out);
+  char* const first = out;
+  const wchar_t* p = text;
+  const wchar_t* const end = text + length;
+  while (p < end) {
+    const std::uint32_t unit = Unit(*p);
+    if (unit - 0xD800 >= 0x800 && unit <= 0xFFFF) {
+      const EncodeStep step = EncodeScalarStep(p, end, out);
+      p += step.consumed;
+      out += step.written;
+      continue;
+    }
+    ++p;
+    char32_t code_point = kReplacementCharacter;
+    if (IsHighSurrogate(unit) && p < end && IsLowSurrogate(Unit(*p))) {
+      code_point = kFirstSupplementary + ((unit - 0xD800) << 10) + (Unit(*p++) - 0xDC00);
+    }
+    out += EncodeUtf8(code_point, out);
+  }
+  return static_cast<std::size_t>(out - first);
+}
+
+void Utf8ToUtf16(const char* text, std::size_t length, std::wstring& out) {
+  out.reserve(length);
+  out.clear();
+  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text);
+  for (std::size_t start = 0; start < length;) {
+    const std::size_t end = Utf8BlockEnd(bytes, start, length);
+    wchar_t units[kBlock + 3];
+    out.append(units, Utf8ToUtf16(text + start, end - start, units));
+    start = end;
+  }
+}
+
+void Utf16ToUtf8(const wchar_t* text, std::size_t length, std::string& out) {
+  out.reserve(3 * length);
+  out.clear();
+  for (std::size_t start = 0; start < length;) {
+    const std::size_t end = Utf16BlockEnd(text, start, length);
+    char bytes[3 * (kBlock + 1)];
+    out.append(bytes, Utf16ToUtf8(text + start, end - start, bytes));
+    start = end;
+  }
 }
 
 }  // namespace tessel_platform

@@ -8,6 +8,7 @@
 #define TESSEL_PLATFORM_UTF16_CONVERSION_H_
 
 #include <cstddef>
+#include <string>
 
 namespace tessel_platform {
 
@@ -20,14 +21,22 @@ std::size_t Utf16LengthOfUtf8(const char* text, std::size_t length);
 // Returns the number of units written. Writes no terminating NUL.
 std::size_t Utf8ToUtf16(const char* text, std::size_t length, wchar_t* out);
 
-// Number of bytes that Utf16ToUtf8 writes for these units; never more than
-// three times `length`.
+// At least the number of bytes that Utf16ToUtf8 writes for these units, and
+// never more than four times `length`.
 std::size_t Utf8LengthOfUtf16(const wchar_t* text, std::size_t length);
 
 // Converts `length` UTF-16 units into `out`, which has room for
 // Utf8LengthOfUtf16(text, length) bytes. Returns the number of bytes written.
 // Writes no terminating NUL.
 std::size_t Utf16ToUtf8(const wchar_t* text, std::size_t length, char* out);
+
+// The same conversions into a string, whose previous contents are replaced.
+// Room for the worst case is reserved first (one unit per byte, three bytes
+// per unit; untouched pages cost nothing), so a std::bad_alloc can only come
+// before `out` is changed. The text is then converted in cache-sized blocks
+// straight into `out`, reusing its storage.
+void Utf8ToUtf16(const char* text, std::size_t length, std::wstring& out);
+void Utf16ToUtf8(const wchar_t* text, std::size_t length, std::string& out);
 
 }  // namespace tessel_platform
 

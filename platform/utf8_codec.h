@@ -20,6 +20,12 @@ inline bool IsAsciiBlock(const unsigned char* p) {
   return (block & 0x8080808080808080ULL) == 0;
 }
 
+// True when the 4 wide elements at p are all ASCII.
+inline bool IsAsciiUnits(const wchar_t* p) {
+  return (static_cast<std::uint32_t>(p[0]) | static_cast<std::uint32_t>(p[1]) |
+          static_cast<std::uint32_t>(p[2]) | static_cast<std::uint32_t>(p[3])) < 0x80;
+}
+
 // Decodes the sequence starting at p (p < end) following the table of
 // well-formed byte sequences of the Unicode Standard (chapter 3). Returns the
 // number of bytes taken, at least 1. On success *code_point is the scalar
@@ -32,6 +38,23 @@ inline std::size_t DecodeUtf8(const unsigned char* p, const unsigned char* end,
   if (lead < 0x80) {
     *code_point = lead;
     return 1;
+  }
+  // Fast paths for the common well-formed two- and three-byte sequences,
+  // recognised on a little-endian word of the next bytes; the general walk
+  // below decides everything else.
+  if (end - p >= 4) {
+    const std::uint32_t word = static_cast<std::uint32_t>(lead) | (std::uint32_t{p[1]} << 8) |
+                               (std::uint32_t{p[2]} << 16) | (std::uint32_t{p[3]} << 24);
+    if ((word & 0xC0C0F0) == 0x8080E0) {
+      const char32_t value = ((lead & 0x0F) << 12) | ((p[1] & 0x3F) << 6) | (p[2] & 0x3F);
+      if (value >= 0x800 && value - 0xD800 >= 0x800) {
+        *code_point = value;
+        return 3;
+      }
+    } else if ((word & 0xC0E0) == 0x80C0 && lead >= 0xC2) {
+      *code_point = ((lead & 0x1F) << 6) | (p[1] & 0x3F);
+      return 2;
+    }
   }
   std::size_t length;
   unsigned low = 0x80;
@@ -70,9 +93,25 @@ inline std::size_t DecodeUtf8(const unsigned char* p, const unsigned char* end,
   return length;
 }
 
-// Number of UTF-8 bytes for a scalar value (at most U+10FFFF).
-inline std::size_t Utf8Length(char32_t code_point) {
-  return code_point < 0x80 ? 1 : code_point < 0x800 ? 2 : code_point < 0x10000 ? 3 : 4;
+// An upper bound of the UTF-8 bytes for wide elements taken as code points
+// (each element above U+FFFF counted as four bytes): exact for valid scalar
+// values, and enough when surrogates or invalid elements become U+FFFD.
+// `all_scalar` tells whether every element is a Unicode scalar value.
+struct WideScan {
+  std::size_t utf8_bound;
+  bool all_scalar;
+};
+
+inline WideScan ScanWide(const wchar_t* text, std::size_t length) {
+  std::size_t extra = 0;
+  std::uint32_t bad = 0;
+  // Branch-free, so that the compiler can vectorise it.
+  for (std::size_t i = 0; i < length; ++i) {
+    const std::uint32_t value = static_cast<std::uint32_t>(text[i]);
+    extra += static_cast<std::size_t>(value >= 0x80) + (value >= 0x800) + (value >= 0x10000);
+    bad |= static_cast<std::uint32_t>(value - 0xD800 < 0x800) | (value > 0x10FFFF);
+  }
+  return {length + extra, bad == 0};
 }
 
 // Writes the UTF-8 form of a scalar value (at most U+10FFFF) to out and
@@ -98,6 +137,32 @@ inline std::size_t EncodeUtf8(char32_t code_point, char* out) {
   out[2] = static_cast<char>(0x80 | ((code_point >> 6) & 0x3F));
   out[3] = static_cast<char>(0x80 | (code_point & 0x3F));
   return 4;
+}
+
+struct EncodeStep {
+  std::size_t consumed;  // wide elements
+  std::size_t written;   // bytes
+};
+
+// Encodes the scalar value at p (the caller knows it is one), or a run of
+// four ASCII elements at once, into out.
+inline EncodeStep EncodeScalarStep(const wchar_t* p, const wchar_t* end, char* out) {
+  const std::uint32_t value = static_cast<std::uint32_t>(*p);
+  if (value < 0x80) {
+    if (end - p >= 4 && IsAsciiUnits(p)) {
+      for (int k = 0; k < 4; ++k) out[k] = static_cast<char>(p[k]);
+      return {4, 4};
+    }
+    out[0] = static_cast<char>(value);
+    return {1, 1};
+  }
+  if (value >= 0x800 && value < 0x10000) {
+    out[0] = static_cast<char>(0xE0 | (value >> 12));
+    out[1] = static_cast<char>(0x80 | ((value >> 6) & 0x3F));
+    out[2] = static_cast<char>(0x80 | (value & 0x3F));
+    return {1, 3};
+  }
+  return {1, EncodeUtf8(value, out)};
 }
 
 }  // namespace tessel_platform

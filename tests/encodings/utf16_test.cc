@@ -141,6 +141,48 @@ TEST(Utf8ToUtf16, MatchesReferenceOnRandomStrings) {
   }
 }
 
+TEST(Utf8ToUtf16, MatchesReferenceOnLongRandomStrings) {
+  // Long enough to be converted in several blocks, with sequences and
+  // maximal subparts falling across the block boundaries.
+  std::mt19937 random(99);
+  for (int i = 0; i < 40; ++i) {
+    std::string text;
+    while (text.size() < 30000) text += RandomUtf8ish(random);
+    ASSERT_EQ(ToUtf16(text), ReferenceUtf16(text)) << "case " << i;
+  }
+}
+
+// UTF-16 units to code points, each unpaired surrogate taken as U+FFFD.
+std::wstring ReferenceCodePoints(const std::wstring& units) {
+  std::wstring code_points;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const long unit = units[i];
+    const bool high = unit >= 0xD800 && unit <= 0xDBFF;
+    if (high && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF) {
+      code_points.push_back(static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10) +
+                                                 (units[i + 1] - 0xDC00)));
+      ++i;
+    } else if (unit >= 0xD800 && unit <= 0xDFFF) {
+      code_points.push_back(static_cast<wchar_t>(0xFFFD));
+    } else {
+      code_points.push_back(static_cast<wchar_t>(unit));
+    }
+  }
+  return code_points;
+}
+
+TEST(Utf16ToUtf8, MatchesReferenceOnLongRandomUnits) {
+  std::mt19937 random(5);
+  const wchar_t kPool[] = {L'a', 0x7F, 0x80, 0x7FF, 0x800, 0x4E2D, 0xD7FF, 0xD800,
+                           0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFD, 0xFFFF};
+  std::uniform_int_distribution<std::size_t> pick(0, sizeof kPool / sizeof kPool[0] - 1);
+  for (int i = 0; i < 40; ++i) {
+    std::wstring units(20000, L'\0');
+    for (wchar_t& unit : units) unit = kPool[pick(random)];
+    ASSERT_EQ(ToUtf8(units), StringUtils::ws2s(ReferenceCodePoints(units))) << "case " << i;
+  }
+}
+
 TEST(Utf8ToUtf16, CarriesSupplementaryCharactersAsSurrogatePairs) {
   EXPECT_EQ(ToUtf16("\xF0\x9F\x98\x80"), (std::wstring{0xD83D, 0xDE00}));
   EXPECT_EQ(ToUtf16("a\xF4\x8F\xBF\xBFz"), (std::wstring{L'a', 0xDBFF, 0xDFFF, L'z'}));
