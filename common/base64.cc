@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace tessel {
 namespace {
@@ -44,14 +45,24 @@ struct DecodeTable {
 };
 constexpr DecodeTable kDecode;
 
+// Decodes one group of four characters into dst and returns the bytes it
+// gives: one when the third character is the pad, two when only the fourth
+// is, else three (three are always written).
+inline std::size_t DecodeGroup(const unsigned char* src, unsigned char* dst) {
+  const std::uint8_t s1 = kDecode.values[src[0]];
+  const std::uint8_t s2 = kDecode.values[src[1]];
+  const std::uint8_t s3 = kDecode.values[src[2]];
+  const std::uint8_t s4 = kDecode.values[src[3]];
+  dst[0] = static_cast<unsigned char>((s1 << 2) + (s2 >> 4));
+  dst[1] = static_cast<unsigned char>((s2 << 4) + (s3 >> 2));
+  dst[2] = static_cast<unsigned char>((s3 << 6) + s4);
+  return src[2] == kPad ? 1 : src[3] == kPad ? 2 : 3;
+}
+
 inline void EncodeGroup(const unsigned char* in, char* out) {
   const unsigned group = (unsigned{in[0]} << 16) | (unsigned{in[1]} << 8) | in[2];
-  const char* high = &kPairs.chars[2 * (group >> 12)];
-  const char* low = &kPairs.chars[2 * (group & 0xFFF)];
-  out[0] = high[0];
-  out[1] = high[1];
-  out[2] = low[0];
-  out[3] = low[1];
+  std::memcpy(out, &kPairs.chars[2 * (group >> 12)], 2);
+  std::memcpy(out + 2, &kPairs.chars[2 * (group & 0xFFF)], 2);
 }
 
 }  // namespace
@@ -79,18 +90,9 @@ void Base64_Decode(std::string& out, const std::string& in) {
   const std::size_t start = out.size();
   out.resize(start + 3 * groups);
   const unsigned char* src = reinterpret_cast<const unsigned char*>(in.data());
-  unsigned char* dst = reinterpret_cast<unsigned char*>(&out[start]);
-  unsigned char* const first = dst;
-  for (std::size_t i = 0; i < groups; ++i, src += 4) {
-    const std::uint8_t s1 = kDecode.values[src[0]];
-    const std::uint8_t s2 = kDecode.values[src[1]];
-    const std::uint8_t s3 = kDecode.values[src[2]];
-    const std::uint8_t s4 = kDecode.values[src[3]];
-    dst[0] = static_cast<unsigned char>((s1 << 2) + (s2 >> 4));
-    dst[1] = static_cast<unsigned char>((s2 << 4) + (s3 >> 2));
-    dst[2] = static_cast<unsigned char>((s3 << 6) + s4);
-    dst += src[2] == kPad ? 1 : src[3] == kPad ? 2 : 3;
-  }
+  unsigned char* const first = reinterpret_cast<unsigned char*>(&out[start]);
+  unsigned char* dst = first;
+  for (std::size_t i = 0; i < groups; ++i, src += 4) dst += DecodeGroup(src, dst);
   out.resize(start + static_cast<std::size_t>(dst - first));
 }
 
