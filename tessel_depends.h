@@ -16,8 +16,19 @@
 #include "common/semaphore.h"
 #include "common/singleton.h"
 #include "common/util_entrance.h"
+#include "common/imp_win/generic_file_manager.h"
+#include "common/imp_win/generic_timer.h"
 
 // Logging
 #include "common/logger.h"
+
+// Encodings
+#include "common/base64.h"
+#include "common/string_utils.h"
+#include "common/string_utils_win.h"
+
+// Files
+#include "common/file.h"
+#include "common/file_utils.h"
 
 #endif  // TESSEL_DEPENDS_H_
