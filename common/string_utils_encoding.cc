@@ -59,15 +59,14 @@ std::string StringUtils::ws2s(const std::wstring& text) {
   result.reserve(scan.utf8_bound);
   const wchar_t* element = text.data();
   const wchar_t* const end = element + text.size();
-  // At most four bytes per element; a run of ASCII may overshoot the block's
-  // last element by three.
-  char block[4 * (kEncodeBlock + 3)];
+  char block[4 * kEncodeBlock];  // at most four bytes per element
   while (element < end) {
     const wchar_t* const block_end =
         end - element > static_cast<std::ptrdiff_t>(kEncodeBlock) ? element + kEncodeBlock : end;
     char* out = block;
     while (element < block_end) {
-      const tessel_platform::EncodeStep step = tessel_platform::EncodeScalarStep(element, end, out);
+      const tessel_platform::EncodeStep step =
+          tessel_platform::EncodeScalarStep(element, block_end, out);
       element += step.consumed;
       out += step.written;
     }

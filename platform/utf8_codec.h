@@ -145,7 +145,7 @@ struct EncodeStep {
 };
 
 // Encodes the scalar value at p (the caller knows it is one), or a run of
-// four ASCII elements at once, into out.
+// four ASCII elements at once, into out. Reads nothing at or beyond end.
 inline EncodeStep EncodeScalarStep(const wchar_t* p, const wchar_t* end, char* out) {
   const std::uint32_t value = static_cast<std::uint32_t>(*p);
   if (value < 0x80) {
