@@ -22,7 +22,7 @@ class TESSEL_API File {
 
   // Names `path` as given (not normalised); the file name is
   // FileUtils::fileNameFromfilePath(path).
-  File(const std::string& path);  // NOLINT(runtime/explicit): a path is a File
+  File(const std::string& path);
   File(const File& other);
   File& operator=(const File& other);
   ~File();
