@@ -16,6 +16,8 @@
 #include "common/semaphore.h"
 #include "common/singleton.h"
 #include "common/util_entrance.h"
+#include "common/imp_win/generic_file_manager.h"
+#include "common/imp_win/generic_timer.h"
 
 // Worker threads and thread factory
 #include "common/imp_win/generic_thread.h"
@@ -39,5 +41,13 @@
 #include "i18n/entry.h"
 #include "i18n/mo.h"
 #include "i18n/i18n_utils.h"
+
+// Encodings
+#include "common/base64.h"
+#include "common/string_utils_win.h"
+
+// Files
+#include "common/file.h"
+#include "common/file_utils.h"
 
 #endif  // TESSEL_DEPENDS_H_

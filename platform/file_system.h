@@ -1,0 +1,53 @@
+// The file-system layer under the library's file manager and file helpers:
+// thin wrappers over the host system that report failure only through their
+// result, never by throwing (other than std::bad_alloc). Paths are the
+// system's byte strings, used as they are. Stateless; safe on any thread,
+// with concurrent operations on one path ordered only by the file system.
+#ifndef TESSEL_PLATFORM_FILE_SYSTEM_H_
+#define TESSEL_PLATFORM_FILE_SYSTEM_H_
+
+#include <cstdint>
+#include <string>
+
+namespace tessel_platform {
+
+// True when something (file, directory, ...) exists at path, links followed.
+bool PathExists(const std::string& path);
+// True when path names a directory, links followed.
+bool DirectoryExists(const std::string& path);
+// True when path names a regular file, links followed.
+bool RegularFileExists(const std::string& path);
+
+// Creates the directory and any missing parents; true when it exists
+// afterwards.
+bool CreateDirectories(const std::string& path);
+
+// Size in bytes of the regular file at path; 0 when it cannot be read.
+std::int64_t FileSize(const std::string& path);
+
+// Whole seconds since 1970-01-01 00:00:00 UTC, fractions dropped toward zero;
+// 0 when the information cannot be read. The creation time is the birth time
+// where the file system records one, else the last-modification time.
+std::int64_t FileCreateTime(const std::string& path);
+std::int64_t FileModifyTime(const std::string& path);
+
+// Deletes a file, or a directory with everything in it. True when nothing is
+// left at path afterwards (so also when nothing was there).
+bool DeleteRecursively(const std::string& path);
+
+// Renames from to to, replacing a file at to; across file systems copies
+// (recursively) then deletes the source. False when the source is missing or
+// any step fails.
+bool MovePath(const std::string& from, const std::string& to);
+
+// Copies the regular file from to to, replacing a file at to. False when the
+// source is not a regular file or the copy fails.
+bool CopyRegularFile(const std::string& from, const std::string& to);
+
+// The system's temporary directory as the system spells it; empty when there
+// is none.
+std::string TemporaryDirectory();
+
+}  // namespace tessel_platform
+
+#endif  // TESSEL_PLATFORM_FILE_SYSTEM_H_

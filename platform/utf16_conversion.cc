@@ -1,0 +1,141 @@
+#include "platform/utf16_conversion.h"
+
+#include <cstdint>
+
+#include "platform/utf8_codec.h"
+
+namespace tessel_platform {
+namespace {
+
+constexpr char32_t kFirstSupplementary = 0x10000;
+// Units or bytes per block of the string forms, which convert each block into
+// a buffer on the stack and append it, all within the data cache.
+constexpr std::size_t kBlock = 4096;
+
+std::uint32_t Unit(wchar_t element) { return static_cast<std::uint32_t>(element); }
+
+bool IsHighSurrogate(std::uint32_t unit) { return unit - 0xD800 < 0x400; }
+bool IsLowSurrogate(std::uint32_t unit) { return unit - 0xDC00 < 0x400; }
+
+// One loop serves measuring (kWrite false, out unused) and converting.
+template <bool kWrite>
+std::size_t Utf8ToUtf16Units(const char* text, std::size_t length, wchar_t* out) {
+  const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+  const unsigned char* const end = p + length;
+  std::size_t written = 0;
+  while (p < end) {
+    if (*p < 0x80) {
+      if (end - p >= 8 && IsAsciiBlock(p)) {
+        if (kWrite) {
+          for (int i = 0; i < 8; ++i) out[written + i] = static_cast<wchar_t>(p[i]);
+        }
+        p += 8;
+        written += 8;
+      } else {
+        if (kWrite) out[written] = static_cast<wchar_t>(*p);
+        ++p;
+        ++written;
+      }
+      continue;
+    }
+    char32_t code_point;
+    p += DecodeUtf8(p, end, &code_point);
+    if (code_point == kIllFormed) code_point = kReplacementCharacter;
+    if (code_point >= kFirstSupplementary) {
+      if (kWrite) {
+        const char32_t offset = code_point - kFirstSupplementary;
+        out[written] = static_cast<wchar_t>(0xD800 + (offset >> 10));
+        out[written + 1] = static_cast<wchar_t>(0xDC00 + (offset & 0x3FF));
+      }
+      written += 2;
+    } else {
+      if (kWrite) out[written] = static_cast<wchar_t>(code_point);
+      ++written;
+    }
+  }
+  return written;
+}
+
+// The end of the UTF-8 block that starts at `start`: never inside a sequence
+// or a maximal subpart, which consist of a lead byte and at most three
+// continuation bytes, so a cut before a byte that is not a continuation byte
+// splits neither.
+std::size_t Utf8BlockEnd(const unsigned char* text, std::size_t start, std::size_t length) {
+  const std::size_t end = start + kBlock;
+  if (end >= length) return length;
+  for (std::size_t cut = end; cut + 3 >= end; --cut) {
+    if ((text[cut] & 0xC0) != 0x80) return cut;
+  }
+  // Four continuation bytes: whatever precedes them ends before `end`.
+  return end;
+}
+
+// The end of the UTF-16 block that starts at `start`: a surrogate pair stays
+// in one block.
+std::size_t Utf16BlockEnd(const wchar_t* text, std::size_t start, std::size_t length) {
+  std::size_t end = start + kBlock;
+  if (end >= length) return length;
+  return IsHighSurrogate(Unit(text[end - 1])) ? end + 1 : end;
+}
+
+
+}  // namespace
+
+std::size_t Utf16LengthOfUtf8(const char* text, std::size_t length) {
+  return Utf8ToUtf16Units<false>(text, length, nullptr);
+}
+
+std::size_t Utf8ToUtf16(const char* text, std::size_t length, wchar_t* out) {
+  return Utf8ToUtf16Units<true>(text, length, out);
+}
+
+std::size_t Utf8LengthOfUtf16(const wchar_t* text, std::size_t length) {
+  return ScanWide(text, length).utf8_bound;
+}
+
+std::size_t Utf16ToUtf8(const wchar_t* text, std::size_t length, char* out) {
+  char* const first = out;
+  const wchar_t* p = text;
+  const wchar_t* const end = text + length;
+  while (p < end) {
+    const std::uint32_t unit = Unit(*p);
+    if (unit - 0xD800 >= 0x800 && unit <= 0xFFFF) {
+      const EncodeStep step = EncodeScalarStep(p, end, out);
+      p += step.consumed;
+      out += step.written;
+      continue;
+    }
+    ++p;
+    char32_t code_point = kReplacementCharacter;
+    if (IsHighSurrogate(unit) && p < end && IsLowSurrogate(Unit(*p))) {
+      code_point = kFirstSupplementary + ((unit - 0xD800) << 10) + (Unit(*p++) - 0xDC00);
+    }
+    out += EncodeUtf8(code_point, out);
+  }
+  return static_cast<std::size_t>(out - first);
+}
+
+void Utf8ToUtf16(const char* text, std::size_t length, std::wstring& out) {
+  out.reserve(length);
+  out.clear();
+  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text);
+  for (std::size_t start = 0; start < length;) {
+    const std::size_t end = Utf8BlockEnd(bytes, start, length);
+    wchar_t units[kBlock + 3];
+    out.append(units, Utf8ToUtf16(text + start, end - start, units));
+    start = end;
+  }
+}
+
+void Utf16ToUtf8(const wchar_t* text, std::size_t length, std::string& out) {
+  out.reserve(3 * length);
+  out.clear();
+  for (std::size_t start = 0; start < length;) {
+    const std::size_t end = Utf16BlockEnd(text, start, length);
+    char bytes[3 * (kBlock + 1)];
+    out.append(bytes, Utf16ToUtf8(text + start, end - start, bytes));
+    start = end;
+  }
+}
+
+}  // namespace tessel_platform

@@ -1,0 +1,328 @@
+// UTF-8 <-> UTF-16 conversions of StringUtilsWin and the strict s2ws/ws2s,
+// checked against a reference decoder written here from the Unicode
+// Standard's table of well-formed UTF-8 byte sequences (Table 3-7) and its
+// recommended practice for U+FFFD (substitution of maximal subparts).
+#include <gtest/gtest.h>
+
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "common/string_utils.h"
+#include "common/string_utils_win.h"
+
+namespace {
+
+using tessel::StringUtils;
+using tessel::StringUtilsWin;
+
+struct Range {
+  unsigned char low, high;
+};
+
+// Table 3-7, one row per line of the table.
+const std::vector<std::vector<Range>> kWellFormedRows = {
+    {{0x00, 0x7F}},
+    {{0xC2, 0xDF}, {0x80, 0xBF}},
+    {{0xE0, 0xE0}, {0xA0, 0xBF}, {0x80, 0xBF}},
+    {{0xE1, 0xEC}, {0x80, 0xBF}, {0x80, 0xBF}},
+    {{0xED, 0xED}, {0x80, 0x9F}, {0x80, 0xBF}},
+    {{0xEE, 0xEF}, {0x80, 0xBF}, {0x80, 0xBF}},
+    {{0xF0, 0xF0}, {0x90, 0xBF}, {0x80, 0xBF}, {0x80, 0xBF}},
+    {{0xF1, 0xF3}, {0x80, 0xBF}, {0x80, 0xBF}, {0x80, 0xBF}},
+    {{0xF4, 0xF4}, {0x80, 0x8F}, {0x80, 0xBF}, {0x80, 0xBF}},
+};
+
+// Decodes text into code points; -1 stands for one U+FFFD of an ill-formed
+// maximal subpart. A byte run matching a whole row is a character; otherwise
+// the longest prefix of any row that matches is the maximal subpart (at
+// least one byte).
+std::vector<long> ReferenceDecode(const std::string& text) {
+  std::vector<long> result;
+  std::size_t i = 0;
+  while (i < text.size()) {
+    std::size_t best = 1;
+    bool complete = false;
+    for (const auto& row : kWellFormedRows) {
+      std::size_t matched = 0;
+      while (matched < row.size() && i + matched < text.size()) {
+        const unsigned char byte = static_cast<unsigned char>(text[i + matched]);
+        if (byte < row[matched].low || byte > row[matched].high) break;
+        ++matched;
+      }
+      if (matched == row.size()) {
+        best = matched;
+        complete = true;
+        break;
+      }
+      if (matched > best) best = matched;
+    }
+    if (complete) {
+      long value = static_cast<unsigned char>(text[i]);
+      if (best > 1) value &= 0x7F >> best;
+      for (std::size_t k = 1; k < best; ++k) value = (value << 6) | (text[i + k] & 0x3F);
+      result.push_back(value);
+    } else {
+      result.push_back(-1);
+    }
+    i += best;
+  }
+  return result;
+}
+
+std::wstring ReferenceUtf16(const std::string& text) {
+  std::wstring out;
+  for (long cp : ReferenceDecode(text)) {
+    if (cp < 0) cp = 0xFFFD;
+    if (cp >= 0x10000) {
+      out.push_back(static_cast<wchar_t>(0xD800 + ((cp - 0x10000) >> 10)));
+      out.push_back(static_cast<wchar_t>(0xDC00 + ((cp - 0x10000) & 0x3FF)));
+    } else {
+      out.push_back(static_cast<wchar_t>(cp));
+    }
+  }
+  return out;
+}
+
+std::wstring ToUtf16(const std::string& text) {
+  std::wstring out = L"stale";
+  EXPECT_TRUE(StringUtilsWin::utf8ToUnicode(text.c_str(), out));
+  return out;
+}
+
+std::string ToUtf8(const std::wstring& text) {
+  std::string out = "stale";
+  EXPECT_TRUE(StringUtilsWin::unicodeToUtf8(text.c_str(), out));
+  return out;
+}
+
+TEST(Utf8ToUtf16, MatchesReferenceOnEverySequenceOfOneToThreeBytes) {
+  // NUL ends the text, so bytes run from 1. Each sequence is followed by 'A',
+  // which ends any incomplete sequence, so one conversion covers all
+  // sequences that share a first byte.
+  for (int b0 = 1; b0 < 256; ++b0) {
+    std::string text;
+    text.push_back(static_cast<char>(b0));
+    text.push_back('A');
+    for (int b1 = 1; b1 < 256; ++b1) {
+      text.push_back(static_cast<char>(b0));
+      text.push_back(static_cast<char>(b1));
+      text.push_back('A');
+      for (int b2 = 1; b2 < 256; ++b2) {
+        text.push_back(static_cast<char>(b0));
+        text.push_back(static_cast<char>(b1));
+        text.push_back(static_cast<char>(b2));
+        text.push_back('A');
+      }
+    }
+    ASSERT_EQ(ToUtf16(text), ReferenceUtf16(text)) << "first byte " << b0;
+  }
+}
+
+std::string RandomUtf8ish(std::mt19937& random) {
+  // Bytes drawn mostly from lead and continuation ranges, so that well-formed
+  // and ill-formed sequences of every length meet and overlap.
+  static const unsigned char kPool[] = {'a',  0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF,
+                                        0xC0, 0xC1, 0xC2, 0xDF, 0xE0, 0xE1, 0xEC, 0xED,
+                                        0xEE, 0xEF, 0xF0, 0xF1, 0xF3, 0xF4, 0xF5, 0xFF};
+  std::uniform_int_distribution<std::size_t> pick(0, sizeof kPool - 1);
+  std::uniform_int_distribution<int> length(0, 40);
+  std::string text(static_cast<std::size_t>(length(random)), '\0');
+  for (char& c : text) c = static_cast<char>(kPool[pick(random)]);
+  return text;
+}
+
+TEST(Utf8ToUtf16, MatchesReferenceOnRandomStrings) {
+  std::mt19937 random(20240611);
+  for (int i = 0; i < 20000; ++i) {
+    const std::string text = RandomUtf8ish(random);
+    ASSERT_EQ(ToUtf16(text), ReferenceUtf16(text)) << "case " << i;
+  }
+}
+
+TEST(Utf8ToUtf16, MatchesReferenceOnLongRandomStrings) {
+  // Long enough to be converted in several blocks, with sequences and
+  // maximal subparts falling across the block boundaries.
+  std::mt19937 random(99);
+  for (int i = 0; i < 40; ++i) {
+    std::string text;
+    while (text.size() < 30000) text += RandomUtf8ish(random);
+    ASSERT_EQ(ToUtf16(text), ReferenceUtf16(text)) << "case " << i;
+  }
+}
+
+// UTF-16 units to code points, each unpaired surrogate taken as U+FFFD.
+std::wstring ReferenceCodePoints(const std::wstring& units) {
+  std::wstring code_points;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const long unit = units[i];
+    const bool high = unit >= 0xD800 && unit <= 0xDBFF;
+    if (high && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF) {
+      code_points.push_back(static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10) +
+                                                 (units[i + 1] - 0xDC00)));
+      ++i;
+    } else if (unit >= 0xD800 && unit <= 0xDFFF) {
+      code_points.push_back(static_cast<wchar_t>(0xFFFD));
+    } else {
+      code_points.push_back(static_cast<wchar_t>(unit));
+    }
+  }
+  return code_points;
+}
+
+TEST(Utf16ToUtf8, MatchesReferenceOnLongRandomUnits) {
+  std::mt19937 random(5);
+  const wchar_t kPool[] = {L'a', 0x7F, 0x80, 0x7FF, 0x800, 0x4E2D, 0xD7FF, 0xD800,
+                           0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFD, 0xFFFF};
+  std::uniform_int_distribution<std::size_t> pick(0, sizeof kPool / sizeof kPool[0] - 1);
+  for (int i = 0; i < 40; ++i) {
+    std::wstring units(20000, L'\0');
+    for (wchar_t& unit : units) unit = kPool[pick(random)];
+    ASSERT_EQ(ToUtf8(units), StringUtils::ws2s(ReferenceCodePoints(units))) << "case " << i;
+  }
+}
+
+TEST(Utf8ToUtf16, CarriesSupplementaryCharactersAsSurrogatePairs) {
+  EXPECT_EQ(ToUtf16("\xF0\x9F\x98\x80"), (std::wstring{0xD83D, 0xDE00}));
+  EXPECT_EQ(ToUtf16("a\xF4\x8F\xBF\xBFz"), (std::wstring{L'a', 0xDBFF, 0xDFFF, L'z'}));
+}
+
+TEST(Utf8ToUtf16, NullTextFailsAndLeavesOutputAlone) {
+  std::wstring out = L"kept";
+  EXPECT_FALSE(StringUtilsWin::utf8ToUnicode(nullptr, out));
+  EXPECT_EQ(out, L"kept");
+  EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("", out));
+  EXPECT_TRUE(out.empty());
+}
+
+TEST(Utf8ToUtf16Buffer, NeedsRoomForTheTerminatingNul) {
+  wchar_t buffer[8];
+  std::fill(std::begin(buffer), std::end(buffer), L'#');
+  EXPECT_FALSE(StringUtilsWin::utf8ToUnicode("abc", buffer, 3));
+  EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("abc", buffer, 4));
+  EXPECT_EQ(std::wstring(buffer), L"abc");
+  // Two UTF-16 units and the NUL.
+  EXPECT_FALSE(StringUtilsWin::utf8ToUnicode("\xF0\x9F\x98\x80", buffer, 2));
+  EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("\xF0\x9F\x98\x80", buffer, 3));
+  EXPECT_EQ(std::wstring(buffer), (std::wstring{0xD83D, 0xDE00}));
+}
+
+TEST(Utf8ToUtf16Buffer, CapacityZeroOnlyMeasures) {
+  wchar_t buffer[2] = {L'#', L'#'};
+  EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("abc", buffer, 0));
+  EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("abc", nullptr, 0));
+  EXPECT_EQ(buffer[0], L'#');
+  EXPECT_FALSE(StringUtilsWin::utf8ToUnicode(nullptr, buffer, 2));
+  EXPECT_FALSE(StringUtilsWin::utf8ToUnicode("a", nullptr, 2));
+  EXPECT_FALSE(StringUtilsWin::utf8ToUnicode("a", buffer, -1));
+}
+
+TEST(Utf16ToUtf8, ReplacesUnpairedSurrogates) {
+  EXPECT_EQ(ToUtf8(std::wstring{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
+  EXPECT_EQ(ToUtf8(std::wstring{L'a', 0xD83D, L'b'}), "a\xEF\xBF\xBD" "b");
+  EXPECT_EQ(ToUtf8(std::wstring{0xDE00, 0xD83D}), "\xEF\xBF\xBD\xEF\xBF\xBD");
+  EXPECT_EQ(ToUtf8(std::wstring{0xD83D}), "\xEF\xBF\xBD");
+  EXPECT_EQ(ToUtf8(std::wstring{0xD83D, 0xD83D, 0xDE00}), "\xEF\xBF\xBD\xF0\x9F\x98\x80");
+  // Not a UTF-16 unit at all.
+  EXPECT_EQ(ToUtf8(std::wstring{static_cast<wchar_t>(0x1F600)}), "\xEF\xBF\xBD");
+}
+
+TEST(Utf16ToUtf8, NullTextFailsAndLeavesOutputAlone) {
+  std::string out = "kept";
+  EXPECT_FALSE(StringUtilsWin::unicodeToUtf8(nullptr, out));
+  EXPECT_EQ(out, "kept");
+  EXPECT_TRUE(StringUtilsWin::unicodeToUtf8(L"", out));
+  EXPECT_TRUE(out.empty());
+}
+
+// Every scalar value except NUL, in order: a text that covers all lengths of
+// both encodings.
+std::wstring AllScalarValuesAsCodePoints() {
+  std::wstring text;
+  for (long cp = 1; cp <= 0x10FFFF; ++cp) {
+    if (cp < 0xD800 || cp > 0xDFFF) text.push_back(static_cast<wchar_t>(cp));
+  }
+  return text;
+}
+
+TEST(Utf16ToUtf8, RoundTripsEveryScalarValue) {
+  const std::wstring code_points = AllScalarValuesAsCodePoints();
+  const std::string utf8 = StringUtils::ws2s(code_points);
+  const std::wstring utf16 = ToUtf16(utf8);
+  EXPECT_EQ(utf16, ReferenceUtf16(utf8));
+  EXPECT_EQ(ToUtf8(utf16), utf8);
+}
+
+TEST(StrictConversion, RoundTripsEveryScalarValueOnePerElement) {
+  const std::wstring code_points = AllScalarValuesAsCodePoints();
+  const std::string utf8 = StringUtils::ws2s(code_points);
+  std::vector<long> decoded = ReferenceDecode(utf8);
+  ASSERT_EQ(decoded.size(), code_points.size());
+  for (std::size_t i = 0; i < decoded.size(); ++i) {
+    ASSERT_EQ(decoded[i], static_cast<long>(code_points[i]));
+  }
+  EXPECT_EQ(StringUtils::s2ws(utf8), code_points);
+}
+
+void ExpectBadConversion(const std::string& text) {
+  try {
+    StringUtils::s2ws(text);
+    ADD_FAILURE() << "no exception for " << ::testing::PrintToString(text);
+  } catch (const std::range_error& error) {
+    EXPECT_STREQ(error.what(), "bad conversion");
+  }
+}
+
+TEST(StrictConversion, S2wsRejectsExactlyTheIllFormedSequences) {
+  // Every sequence of one or two bytes, and of three bytes after the lead
+  // bytes whose second-byte ranges differ.
+  auto check = [](const std::string& text) {
+    const std::vector<long> reference = ReferenceDecode(text);
+    bool ill_formed = false;
+    std::wstring expected;
+    for (long cp : reference) {
+      ill_formed |= cp < 0;
+      expected.push_back(static_cast<wchar_t>(cp));
+    }
+    if (ill_formed) {
+      ExpectBadConversion(text);
+    } else {
+      EXPECT_EQ(StringUtils::s2ws(text), expected);
+    }
+  };
+  for (int b0 = 0; b0 < 256; ++b0) {
+    check(std::string(1, static_cast<char>(b0)));
+    for (int b1 = 0; b1 < 256; ++b1) check({static_cast<char>(b0), static_cast<char>(b1)});
+  }
+  for (int b0 : {0xE0, 0xE1, 0xED, 0xEE, 0xF0, 0xF1, 0xF4, 0xF5}) {
+    for (int b1 = 0x70; b1 < 0xD0; ++b1) {
+      for (int b2 = 0x70; b2 < 0xD0; ++b2) {
+        check({static_cast<char>(b0), static_cast<char>(b1), static_cast<char>(b2)});
+      }
+    }
+  }
+}
+
+TEST(StrictConversion, S2wsKeepsOneElementPerCodePoint) {
+  EXPECT_EQ(StringUtils::s2ws("\xF0\x9F\x98\x80"), std::wstring(1, static_cast<wchar_t>(0x1F600)));
+  EXPECT_EQ(StringUtils::s2ws("\xEF\xBB\xBFx"), (std::wstring{0xFEFF, L'x'}));
+  EXPECT_EQ(StringUtils::s2ws(std::string("a\0b", 3)), (std::wstring{L'a', L'\0', L'b'}));
+  ExpectBadConversion("\xFF");
+  ExpectBadConversion("abc\xE2\x82");  // cut short at the end
+}
+
+TEST(StrictConversion, Ws2sRejectsSurrogatesAndValuesBeyondUnicode) {
+  for (wchar_t bad : {static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0xDFFF),
+                      static_cast<wchar_t>(0x110000), static_cast<wchar_t>(-1)}) {
+    try {
+      StringUtils::ws2s(std::wstring{L'a', bad});
+      ADD_FAILURE() << "no exception for " << static_cast<long>(bad);
+    } catch (const std::range_error& error) {
+      EXPECT_STREQ(error.what(), "bad conversion");
+    }
+  }
+  EXPECT_EQ(StringUtils::ws2s(std::wstring{0xFEFF}), "\xEF\xBB\xBF");
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+#include "common/imp_win/generic_file_manager.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <ctime>
+#include <memory>
+
+#include "common/imp_win/generic_timer.h"
+#include "temp_dir.h"
+
+namespace {
+
+using tessel::GenericFileManager;
+
+class FileManagerTest : public TempDirTest {
+ protected:
+  GenericFileManager manager_;
+};
+
+// 2020-01-01 00:00:00.7 UTC, set with utimensat (both times).
+void SetTimes(const std::string& path) {
+  const struct timespec times[2] = {{1577836800, 700000000}, {1577836800, 700000000}};
+  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+}
+
+TEST_F(FileManagerTest, ReportsSizesAndExistence) {
+  const std::string file = Make("f", Pattern(1234));
+  EXPECT_TRUE(manager_.IsFileExist(file));
+  EXPECT_FALSE(manager_.IsPathDir(file));
+  EXPECT_EQ(manager_.GetFileSize(file), 1234);
+  EXPECT_EQ(manager_.GetFileSize(Make("empty", "")), 0);
+  EXPECT_EQ(manager_.GetFileSize(Path("missing")), 0);
+  EXPECT_FALSE(manager_.IsFileExist(Path("missing")));
+  EXPECT_TRUE(manager_.IsFileExist(dir_.string()));
+  EXPECT_TRUE(manager_.IsPathDir(dir_.string()));
+  EXPECT_FALSE(manager_.IsFileExist(""));
+}
+
+TEST_F(FileManagerTest, TruncatesModifyTimeToWholeSeconds) {
+  const std::string file = Make("f", "x");
+  SetTimes(file);
+  EXPECT_EQ(manager_.GetFileModifyTime(file), 1577836800);
+  EXPECT_EQ(manager_.GetFileModifyTime(Path("missing")), 0);
+  EXPECT_EQ(manager_.GetFileCreateTime(Path("missing")), 0);
+}
+
+TEST_F(FileManagerTest, CreateTimeIsBirthOrModification) {
+  const std::time_t before = std::time(nullptr);
+  const std::string file = Make("f", "x");
+  const std::time_t after = std::time(nullptr);
+  const long long created = manager_.GetFileCreateTime(file);
+  EXPECT_GE(created, before);
+  EXPECT_LE(created, after);
+  // Setting the modification time back does not move a recorded birth time;
+  // where none is recorded the creation time follows the modification time.
+  SetTimes(file);
+  const long long later = manager_.GetFileCreateTime(file);
+  EXPECT_TRUE(later == created || later == 1577836800) << later;
+}
+
+TEST_F(FileManagerTest, MakeDirCreatesParents) {
+  const std::string deep = Path("a/b/c");
+  EXPECT_TRUE(manager_.MakeDir(deep));
+  EXPECT_TRUE(std::filesystem::is_directory(deep));
+  EXPECT_TRUE(manager_.MakeDir(deep));
+  EXPECT_FALSE(manager_.MakeDir(Make("file", "x")));
+  EXPECT_FALSE(manager_.MakeDir(""));
+}
+
+TEST_F(FileManagerTest, BothDeletesAreRecursive) {
+  for (int use_directory_call = 0; use_directory_call < 2; ++use_directory_call) {
+    ASSERT_TRUE(manager_.MakeDir(Path("tree/sub")));
+    Make("tree/sub/f", "x");
+    Make("tree/g", "y");
+    const bool deleted = use_directory_call ? manager_.DeleteDirectory(Path("tree"))
+                                            : manager_.DeleteTheFile(Path("tree"));
+    EXPECT_TRUE(deleted);
+    EXPECT_FALSE(std::filesystem::exists(Path("tree")));
+  }
+  const std::string file = Make("f", "x");
+  EXPECT_TRUE(manager_.DeleteDirectory(file));
+  EXPECT_FALSE(std::filesystem::exists(file));
+  EXPECT_TRUE(manager_.DeleteTheFile(Path("missing")));
+}
+
+TEST_F(FileManagerTest, MovesFilesAndDirectories) {
+  EXPECT_TRUE(manager_.MoveTheFile(Make("a", "alpha"), Path("b")));
+  EXPECT_FALSE(std::filesystem::exists(Path("a")));
+  EXPECT_EQ(Slurp(Path("b")), "alpha");
+  // An existing destination file is replaced.
+  EXPECT_TRUE(manager_.MoveTheFile(Make("c", "gamma"), Path("b")));
+  EXPECT_EQ(Slurp(Path("b")), "gamma");
+  ASSERT_TRUE(manager_.MakeDir(Path("d1/inner")));
+  Make("d1/inner/f", "deep");
+  EXPECT_TRUE(manager_.MoveTheFile(Path("d1"), Path("d2")));
+  EXPECT_EQ(Slurp(Path("d2/inner/f")), "deep");
+  EXPECT_FALSE(manager_.MoveTheFile(Path("missing"), Path("x")));
+  EXPECT_FALSE(std::filesystem::exists(Path("x")));
+}
+
+TEST_F(FileManagerTest, CopiesFiles) {
+  const std::string source = Make("s", Pattern(5000));
+  EXPECT_TRUE(manager_.CopyTheFile(source, Path("t")));
+  EXPECT_EQ(Slurp(Path("t")), Pattern(5000));
+  EXPECT_EQ(Slurp(source), Pattern(5000));
+  Make("u", "old");
+  EXPECT_TRUE(manager_.CopyTheFile(source, Path("u")));
+  EXPECT_EQ(Slurp(Path("u")), Pattern(5000));
+  EXPECT_FALSE(manager_.CopyTheFile(Path("missing"), Path("v")));
+  EXPECT_FALSE(manager_.CopyTheFile(dir_.string(), Path("v")));
+  EXPECT_FALSE(std::filesystem::exists(Path("v")));
+}
+
+class MovedHome : public GenericFileManager {
+ public:
+  std::string HomeDir() override { return "/home/me"; }
+};
+
+TEST(FileManagerDirs, AreFixedAndFollowHomeDir) {
+  GenericFileManager manager;
+  EXPECT_EQ(manager.HomeDir(), "/Users");
+  EXPECT_EQ(manager.LogDir(), "/Users/Logs/");
+  EXPECT_EQ(manager.TempDir(), "/Users/tmp/");
+  MovedHome moved;
+  EXPECT_EQ(moved.LogDir(), "/home/me/Logs/");
+  EXPECT_EQ(moved.TempDir(), "/home/me/tmp/");
+}
+
+TEST_F(FileManagerTest, ListsNothing) {
+  Make("f", "x");
+  EXPECT_TRUE(manager_.ListContensAtPath(dir_.string()).empty());
+}
+
+// Records whether it was destroyed before the call that took it returned.
+struct ReleaseProbe {
+  const bool* returned;
+  bool* released_in_call;
+  ~ReleaseProbe() { *released_in_call = !*returned; }
+};
+
+TEST(GenericTImer, ReleasesTheCallbackUnrunBeforeReturning) {
+  tessel::GenericTImer timer;
+  bool returned = false;
+  bool released_in_call = false;
+  bool ran = false;
+  auto probe = std::make_shared<ReleaseProbe>(ReleaseProbe{&returned, &released_in_call});
+  std::function<void()> callback = [probe, &ran] { ran = true; };
+  probe.reset();
+  int id = -1;
+  // A timer that kept the callback, or released it only with the caller's
+  // full expression, would see `returned` already set.
+  (id = timer.CreateTimer(0.5, true, std::move(callback))), returned = true;
+  EXPECT_EQ(id, 0);
+  EXPECT_TRUE(released_in_call);
+  EXPECT_FALSE(ran);
+  EXPECT_EQ(timer.CreateTimer(-1.0, false, nullptr), 0);
+  timer.InvalidateTimer(0);
+  timer.InvalidateTimer(42);
+}
+
+}  // namespace
