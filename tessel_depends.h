@@ -20,4 +20,7 @@
 // Logging
 #include "common/logger.h"
 
+// JSON values
+#include "json11/json11.h"
+
 #endif  // TESSEL_DEPENDS_H_

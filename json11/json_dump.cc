@@ -1,0 +1,157 @@
+// Compact JSON text of a value. Everything is appended to one output string,
+// runs of plain bytes at once, numbers through std::to_chars (locale-free).
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <system_error>
+
+#include "json11/byte_scan.h"
+#include "json11/double_text.h"
+#include "json11/json11.h"
+#include "json11/json_value.h"
+
+namespace json11 {
+
+namespace {
+
+// What quoting does with each byte: 0 copy it, 1 a short escape ("\n" ...),
+// 2 a "\u00XX" escape, 3 look for U+2028/U+2029 (the lead byte 0xE2).
+enum QuoteAction : unsigned char { kCopy = 0, kShort = 1, kHex = 2, kLineSeparatorLead = 3 };
+
+struct QuoteTable {
+  unsigned char action[256];
+  char letter[256];
+  constexpr QuoteTable() : action(), letter() {
+    for (int c = 0; c < 0x20; ++c) action[c] = kHex;
+    const char pairs[][2] = {{'\b', 'b'}, {'\f', 'f'}, {'\n', 'n'}, {'\r', 'r'},
+                             {'\t', 't'}, {'"', '"'},  {'\\', '\\'}};
+    for (const auto& pair : pairs) {
+      action[static_cast<unsigned char>(pair[0])] = kShort;
+      letter[static_cast<unsigned char>(pair[0])] = pair[1];
+    }
+    action[0xE2] = kLineSeparatorLead;
+  }
+};
+constexpr QuoteTable kQuote;
+
+// Returns the escape of a U+2028 or U+2029 starting at p, or nullptr.
+const char* LineSeparatorEscape(const char* p, const char* end) {
+  if (end - p < 3 || static_cast<unsigned char>(p[1]) != 0x80) return nullptr;
+  const auto last = static_cast<unsigned char>(p[2]);
+  if (last == 0xA8) return "\\u2028";
+  if (last == 0xA9) return "\\u2029";
+  return nullptr;
+}
+
+void Quote(const std::string& value, std::string& out) {
+  static const char kHexDigits[] = "0123456789abcdef";
+  out.push_back('"');
+  const char* p = value.data();
+  const char* const end = p + value.size();
+  const char* run = p;
+  while (p < end) {
+    while (end - p >= 8) {
+      const std::uint64_t word = LoadWord(p);
+      if (AnyStringSpecial(word) | AnyByteEqual(word, 0xE2)) break;
+      p += 8;
+    }
+    if (p == end) break;
+    const auto c = static_cast<unsigned char>(*p);
+    const unsigned char action = kQuote.action[c];
+    if (action == kCopy) {
+      ++p;
+      continue;
+    }
+    const char* separator = action == kLineSeparatorLead ? LineSeparatorEscape(p, end) : nullptr;
+    if (action == kLineSeparatorLead && separator == nullptr) {
+      ++p;
+      continue;
+    }
+    out.append(run, static_cast<size_t>(p - run));
+    if (separator != nullptr) {
+      out.append(separator, 6);
+      p += 3;
+    } else if (action == kShort) {
+      const char escape[2] = {'\\', kQuote.letter[c]};
+      out.append(escape, 2);
+      ++p;
+    } else {
+      const char escape[6] = {'\\', 'u', '0', '0', kHexDigits[c >> 4], kHexDigits[c & 0xF]};
+      out.append(escape, 6);
+      ++p;
+    }
+    run = p;
+  }
+  out.append(run, static_cast<size_t>(p - run));
+  out.push_back('"');
+}
+
+template <typename Int>
+void AppendInteger(Int value, std::string& out) {
+  char buffer[24];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  out.append(buffer, static_cast<size_t>(result.ptr - buffer));
+}
+
+}  // namespace
+
+void DumpStored(std::nullptr_t, std::string& out) { out.append("null", 4); }
+
+void DumpStored(bool value, std::string& out) {
+  if (value) {
+    out.append("true", 4);
+  } else {
+    out.append("false", 5);
+  }
+}
+
+void DumpStored(int value, std::string& out) { AppendInteger(value, out); }
+void DumpStored(long long value, std::string& out) { AppendInteger(value, out); }
+
+void DumpStored(double value, std::string& out) {
+  if (std::isfinite(value)) {
+    char buffer[kDoubleTextCapacity];
+    out.append(buffer, static_cast<size_t>(WriteDouble17(value, buffer) - buffer));
+  } else if (std::isnan(value)) {
+    out.append("null", 4);
+  } else {
+    // Read back as the same infinity by the parser.
+    out.append(value < 0 ? "-1e999" : "1e999");
+  }
+}
+
+void DumpStored(const std::string& value, std::string& out) { Quote(value, out); }
+
+void DumpStored(const Json::array& values, std::string& out) {
+  out.push_back('[');
+  bool first = true;
+  for (const Json& value : values) {
+    if (!first) out.append(", ", 2);
+    first = false;
+    JsonAccess::Of(value).dump(out);
+  }
+  out.push_back(']');
+}
+
+void DumpStored(const Json::object& values, std::string& out) {
+  out.push_back('{');
+  bool first = true;
+  for (const auto& [key, value] : values) {
+    if (!first) out.append(", ", 2);
+    first = false;
+    Quote(key, out);
+    out.append(": ", 2);
+    JsonAccess::Of(value).dump(out);
+  }
+  out.push_back('}');
+}
+
+void Json::dump(std::string& out) const { m_ptr->dump(out); }
+
+std::string Json::dump() const {
+  std::string out;
+  m_ptr->dump(out);
+  return out;
+}
+
+}  // namespace json11
