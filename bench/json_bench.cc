@@ -11,6 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "json11/json11.h"
 
@@ -44,45 +45,51 @@ struct Library {
 };
 
 template <typename Doc>
-void RegisterLibrary(const char* library, const Library<Doc>& lib) {
-  for (const char* corpus : kCorpora) {
-    const std::string name = corpus;
-    benchmark::RegisterBenchmark(("parse/" + name + "/" + library).c_str(),
-                                 [lib, name](benchmark::State& state) {
-                                   const std::string text = ReadCorpus(name);
-                                   for (auto _ : state) {
-                                     auto doc = lib.parse(text);
-                                     benchmark::DoNotOptimize(doc.get());
-                                   }
-                                   state.SetBytesProcessed(state.iterations() * text.size());
-                                 });
-    benchmark::RegisterBenchmark(("dump/" + name + "/" + library).c_str(),
-                                 [lib, name](benchmark::State& state) {
-                                   const auto doc = lib.parse(ReadCorpus(name));
-                                   size_t bytes = 0;
-                                   for (auto _ : state) {
-                                     const std::string out = lib.dump(*doc);
-                                     bytes += out.size();
-                                     benchmark::DoNotOptimize(out.data());
-                                   }
-                                   state.SetBytesProcessed(bytes);
-                                 });
+void RegisterCase(const std::string& operation, const std::string& corpus, const char* library,
+                  const Library<Doc>& lib) {
+  const std::string name = operation + "/" + corpus + "/" + library;
+  if (operation == "parse") {
+    benchmark::RegisterBenchmark(name.c_str(), [lib, corpus](benchmark::State& state) {
+      const std::string text = ReadCorpus(corpus);
+      for (auto _ : state) {
+        auto doc = lib.parse(text);
+        benchmark::DoNotOptimize(doc.get());
+      }
+      state.SetBytesProcessed(state.iterations() * text.size());
+    });
+  } else if (operation == "dump") {
+    benchmark::RegisterBenchmark(name.c_str(), [lib, corpus](benchmark::State& state) {
+      const auto doc = lib.parse(ReadCorpus(corpus));
+      size_t bytes = 0;
+      for (auto _ : state) {
+        const std::string out = lib.dump(*doc);
+        bytes += out.size();
+        benchmark::DoNotOptimize(out.data());
+      }
+      state.SetBytesProcessed(bytes);
+    });
+  } else {
+    benchmark::RegisterBenchmark(name.c_str(), [lib, corpus](benchmark::State& state) {
+      const std::string text = ReadCorpus(corpus);
+      size_t held = 0;
+      for (auto _ : state) {
+        const size_t before = HeapInUse();
+        auto doc = lib.parse(text);
+        held = HeapInUse() - before;
+        benchmark::DoNotOptimize(doc.get());
+      }
+      state.counters["heap_bytes"] = static_cast<double>(held);
+      state.counters["per_input_byte"] = static_cast<double>(held) / static_cast<double>(text.size());
+    })->Iterations(3);
   }
-  benchmark::RegisterBenchmark((std::string("memory/citm_catalog/") + library).c_str(),
-                               [lib](benchmark::State& state) {
-                                 const std::string text = ReadCorpus("citm_catalog");
-                                 size_t held = 0;
-                                 for (auto _ : state) {
-                                   const size_t before = HeapInUse();
-                                   auto doc = lib.parse(text);
-                                   held = HeapInUse() - before;
-                                   benchmark::DoNotOptimize(doc.get());
-                                 }
-                                 state.counters["heap_bytes"] = static_cast<double>(held);
-                                 state.counters["per_input_byte"] =
-                                     static_cast<double>(held) / static_cast<double>(text.size());
-                               })
-      ->Iterations(3);
+}
+
+template <typename Doc>
+void AddLibrary(std::vector<std::function<void(const std::string&, const std::string&)>>& libraries,
+                const char* library, const Library<Doc>& lib) {
+  libraries.push_back([library, lib](const std::string& operation, const std::string& corpus) {
+    RegisterCase(operation, corpus, library, lib);
+  });
 }
 
 bool RegisterAll() {
@@ -91,8 +98,11 @@ bool RegisterAll() {
   // depends on which benchmark ran before, not on the library measured.
   mallopt(M_MMAP_THRESHOLD, 256 << 20);
   mallopt(M_TRIM_THRESHOLD, 512 << 20);
-  RegisterLibrary<json11::Json>(
-      "json11", {[](const std::string& text) {
+  // One registrar per library; the cases run library after library for each
+  // operation and corpus, so that peers are measured close together in time.
+  std::vector<std::function<void(const std::string&, const std::string&)>> libraries;
+  AddLibrary<json11::Json>(
+      libraries, "json11", {[](const std::string& text) {
                    std::string err;
                    auto doc = std::make_unique<json11::Json>(json11::Json::parse(text, err));
                    if (!err.empty()) throw std::runtime_error(err);
@@ -100,15 +110,15 @@ bool RegisterAll() {
                  },
                  [](const json11::Json& doc) { return doc.dump(); }});
 #if TESSEL_BENCH_HAVE_NLOHMANN
-  RegisterLibrary<nlohmann::json>(
-      "nlohmann", {[](const std::string& text) {
+  AddLibrary<nlohmann::json>(
+      libraries, "nlohmann", {[](const std::string& text) {
                      return std::make_unique<nlohmann::json>(nlohmann::json::parse(text));
                    },
                    [](const nlohmann::json& doc) { return doc.dump(); }});
 #endif
 #if TESSEL_BENCH_HAVE_RAPIDJSON
-  RegisterLibrary<rapidjson::Document>(
-      "rapidjson", {[](const std::string& text) {
+  AddLibrary<rapidjson::Document>(
+      libraries, "rapidjson", {[](const std::string& text) {
                       auto doc = std::make_unique<rapidjson::Document>();
                       doc->Parse(text.c_str(), text.size());
                       if (doc->HasParseError()) throw std::runtime_error("rapidjson parse error");
@@ -121,6 +131,12 @@ bool RegisterAll() {
                       return std::string(buffer.GetString(), buffer.GetSize());
                     }});
 #endif
+  for (const char* operation : {"parse", "dump"}) {
+    for (const char* corpus : kCorpora) {
+      for (const auto& add : libraries) add(operation, corpus);
+    }
+  }
+  for (const auto& add : libraries) add("memory", "citm_catalog");
   return true;
 }
 

@@ -146,8 +146,10 @@ void WriteDigitPairs(std::uint32_t value, char* out, int count) {
   }
 }
 
+// Copies count (at most 17) bytes with one fixed-size copy, which needs no
+// branches; from and out must have 17 bytes of room.
 char* Copy(const char* from, int count, char* out) {
-  std::memcpy(out, from, count);
+  std::memcpy(out, from, 17);
   return out + count;
 }
 
@@ -155,7 +157,8 @@ char* Copy(const char* from, int count, char* out) {
 // notation for exponents from -4 to 16, else d.ddde+XX; trailing zeros of
 // the fraction and a bare decimal point dropped.
 char* Layout(bool negative, std::uint64_t value, int exponent, char* out) {
-  char buffer[18];  // a leading zero, then the seventeen digits
+  // A leading zero, the seventeen digits, then room for Copy's reads.
+  char buffer[40] = {};
   WriteDigitPairs(static_cast<std::uint32_t>(value / 100000000), buffer, 10);
   WriteDigitPairs(static_cast<std::uint32_t>(value % 100000000), buffer + 10, 8);
   const char* const digits = buffer + 1;
@@ -184,10 +187,8 @@ char* Layout(bool negative, std::uint64_t value, int exponent, char* out) {
     }
     return out;
   }
-  *out++ = '0';
-  *out++ = '.';
-  for (int i = -1; i > exponent; --i) *out++ = '0';
-  return Copy(digits, length, out);
+  std::memcpy(out, "0.0000", 6);
+  return Copy(digits, length, out + 1 - exponent);
 }
 
 }  // namespace

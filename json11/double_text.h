@@ -6,8 +6,9 @@
 
 namespace json11 {
 
-// Enough for every finite double ("-2.2250738585072014e-308" is 24 bytes).
-constexpr int kDoubleTextCapacity = 32;
+// Room for the text of every finite double (at most 24 bytes, as in
+// "-2.2250738585072014e-308") and the writer's fixed-size copies.
+constexpr int kDoubleTextCapacity = 48;
 
 // Writes the text of a finite value at out (kDoubleTextCapacity bytes) and
 // returns the end of the text. Non-finite values are the caller's business.

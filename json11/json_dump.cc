@@ -1,8 +1,10 @@
 // Compact JSON text of a value. Everything is appended to one output string,
 // runs of plain bytes at once, numbers through std::to_chars (locale-free).
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <string_view>
 #include <system_error>
 
 #include "json11/byte_scan.h"
@@ -43,46 +45,71 @@ const char* LineSeparatorEscape(const char* p, const char* end) {
   return nullptr;
 }
 
+// The length of the run at p that quoting copies unchanged (an 0xE2 ends it
+// even when no line separator follows).
+size_t PlainLength(const char* p, const char* end) {
+  const char* const begin = p;
+  while (end - p >= 8) {
+    const std::uint64_t word = LoadWord(p);
+    if (AnyStringSpecial(word) | AnyByteEqual(word, 0xE2)) break;
+    p += 8;
+  }
+  while (p < end && kQuote.action[static_cast<unsigned char>(*p)] == kCopy) ++p;
+  return static_cast<size_t>(p - begin);
+}
+
+constexpr size_t kShortText = 64;
+
+// Appends prefix, text in quotes and suffix with one append when text is
+// short and needs no escape (most keys and many values); otherwise appends
+// nothing and returns false. prefix and suffix have at most 3 bytes.
+bool AppendShortPlain(std::string_view prefix, const std::string& text, std::string_view suffix,
+                      std::string& out) {
+  const char* const data = text.data();
+  if (text.size() > kShortText || PlainLength(data, data + text.size()) != text.size()) return false;
+  char buffer[kShortText + 8];
+  char* p = buffer;
+  p = std::copy(prefix.begin(), prefix.end(), p);
+  *p++ = '"';
+  p = std::copy(data, data + text.size(), p);
+  *p++ = '"';
+  p = std::copy(suffix.begin(), suffix.end(), p);
+  out.append(buffer, static_cast<size_t>(p - buffer));
+  return true;
+}
+
 void Quote(const std::string& value, std::string& out) {
   static const char kHexDigits[] = "0123456789abcdef";
+  if (AppendShortPlain({}, value, {}, out)) return;
   out.push_back('"');
-  const char* p = value.data();
-  const char* const end = p + value.size();
-  const char* run = p;
+  const char* const end = value.data() + value.size();
+  const char* run = value.data();
+  const char* p = run + PlainLength(run, end);
   while (p < end) {
-    while (end - p >= 8) {
-      const std::uint64_t word = LoadWord(p);
-      if (AnyStringSpecial(word) | AnyByteEqual(word, 0xE2)) break;
-      p += 8;
-    }
-    if (p == end) break;
     const auto c = static_cast<unsigned char>(*p);
     const unsigned char action = kQuote.action[c];
-    if (action == kCopy) {
-      ++p;
-      continue;
-    }
     const char* separator = action == kLineSeparatorLead ? LineSeparatorEscape(p, end) : nullptr;
     if (action == kLineSeparatorLead && separator == nullptr) {
       ++p;
-      continue;
-    }
-    out.append(run, static_cast<size_t>(p - run));
-    if (separator != nullptr) {
-      out.append(separator, 6);
-      p += 3;
-    } else if (action == kShort) {
-      const char escape[2] = {'\\', kQuote.letter[c]};
-      out.append(escape, 2);
-      ++p;
     } else {
-      const char escape[6] = {'\\', 'u', '0', '0', kHexDigits[c >> 4], kHexDigits[c & 0xF]};
-      out.append(escape, 6);
-      ++p;
+      out.append(run, static_cast<size_t>(p - run));
+      if (separator != nullptr) {
+        out.append(separator, 6);
+        p += 3;
+      } else if (action == kShort) {
+        const char escape[2] = {'\\', kQuote.letter[c]};
+        out.append(escape, 2);
+        ++p;
+      } else {
+        const char escape[6] = {'\\', 'u', '0', '0', kHexDigits[c >> 4], kHexDigits[c & 0xF]};
+        out.append(escape, 6);
+        ++p;
+      }
+      run = p;
     }
-    run = p;
+    p += PlainLength(p, end);
   }
-  out.append(run, static_cast<size_t>(p - run));
+  out.append(run, static_cast<size_t>(end - run));
   out.push_back('"');
 }
 
@@ -137,10 +164,12 @@ void DumpStored(const Json::object& values, std::string& out) {
   out.push_back('{');
   bool first = true;
   for (const auto& [key, value] : values) {
-    if (!first) out.append(", ", 2);
+    if (!AppendShortPlain(first ? "" : ", ", key, ": ", out)) {
+      if (!first) out.append(", ", 2);
+      Quote(key, out);
+      out.append(": ", 2);
+    }
     first = false;
-    Quote(key, out);
-    out.append(": ", 2);
     JsonAccess::Of(value).dump(out);
   }
   out.push_back('}');
