@@ -60,27 +60,40 @@ size_t PlainLength(const char* p, const char* end) {
 
 constexpr size_t kShortText = 64;
 
-// Appends prefix, text in quotes and suffix with one append when text is
-// short and needs no escape (most keys and many values); otherwise appends
-// nothing and returns false. prefix and suffix have at most 3 bytes.
+// Appends prefix, text in quotes, suffix and tail with one append when text
+// is short and needs no escape (most keys and many values); otherwise appends
+// nothing and returns false. prefix and suffix have at most 3 bytes, tail at
+// most 5.
 bool AppendShortPlain(std::string_view prefix, const std::string& text, std::string_view suffix,
-                      std::string& out) {
+                      std::string_view tail, std::string& out) {
   const char* const data = text.data();
   if (text.size() > kShortText || PlainLength(data, data + text.size()) != text.size()) return false;
-  char buffer[kShortText + 8];
-  char* p = buffer;
-  p = std::copy(prefix.begin(), prefix.end(), p);
+  char buffer[kShortText + 16];
+  char* p = std::copy(prefix.begin(), prefix.end(), buffer);
   *p++ = '"';
   p = std::copy(data, data + text.size(), p);
   *p++ = '"';
   p = std::copy(suffix.begin(), suffix.end(), p);
+  p = std::copy(tail.begin(), tail.end(), p);
   out.append(buffer, static_cast<size_t>(p - buffer));
   return true;
 }
 
+// The text of a shared constant ("null", "true", "false", "[]", "{}"), found
+// by identity; empty for every other value.
+std::string_view ConstantText(const JsonValue& value) {
+  const JsonStatics& statics = Statics();
+  if (&value == &statics.null_value) return "null";
+  if (&value == &statics.true_value) return "true";
+  if (&value == &statics.false_value) return "false";
+  if (&value == &statics.empty_array) return "[]";
+  if (&value == &statics.empty_object) return "{}";
+  return {};
+}
+
 void Quote(const std::string& value, std::string& out) {
   static const char kHexDigits[] = "0123456789abcdef";
-  if (AppendShortPlain({}, value, {}, out)) return;
+  if (AppendShortPlain({}, value, {}, {}, out)) return;
   out.push_back('"');
   const char* const end = value.data() + value.size();
   const char* run = value.data();
@@ -161,16 +174,24 @@ void DumpStored(const Json::array& values, std::string& out) {
 }
 
 void DumpStored(const Json::object& values, std::string& out) {
-  out.push_back('{');
-  bool first = true;
+  if (values.empty()) {
+    out.append("{}", 2);
+    return;
+  }
+  std::string_view prefix = "{";
   for (const auto& [key, value] : values) {
-    if (!AppendShortPlain(first ? "" : ", ", key, ": ", out)) {
-      if (!first) out.append(", ", 2);
+    // "{" or ", ", the key, ": " and a constant value, in one append when
+    // the key allows.
+    const JsonValue& stored = JsonAccess::Of(value);
+    const std::string_view constant = ConstantText(stored);
+    if (!AppendShortPlain(prefix, key, ": ", constant, out)) {
+      out.append(prefix.data(), prefix.size());
       Quote(key, out);
       out.append(": ", 2);
+      out.append(constant.data(), constant.size());
     }
-    first = false;
-    JsonAccess::Of(value).dump(out);
+    if (constant.empty()) stored.dump(out);
+    prefix = ", ";
   }
   out.push_back('}');
 }
