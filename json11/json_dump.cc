@@ -58,42 +58,23 @@ size_t PlainLength(const char* p, const char* end) {
   return static_cast<size_t>(p - begin);
 }
 
+
 constexpr size_t kShortText = 64;
 
-// Appends prefix, text in quotes, suffix and tail with one append when text
-// is short and needs no escape (most keys and many values); otherwise appends
-// nothing and returns false. prefix and suffix have at most 3 bytes, tail at
-// most 5.
-bool AppendShortPlain(std::string_view prefix, const std::string& text, std::string_view suffix,
-                      std::string_view tail, std::string& out) {
+// Writes text in quotes at out when it is at most kShortText bytes and needs
+// no escape (most keys and many values), and returns the end; otherwise
+// writes nothing and returns nullptr.
+char* WriteShortPlain(const std::string& text, char* out) {
   const char* const data = text.data();
-  if (text.size() > kShortText || PlainLength(data, data + text.size()) != text.size()) return false;
-  char buffer[kShortText + 16];
-  char* p = std::copy(prefix.begin(), prefix.end(), buffer);
-  *p++ = '"';
-  p = std::copy(data, data + text.size(), p);
-  *p++ = '"';
-  p = std::copy(suffix.begin(), suffix.end(), p);
-  p = std::copy(tail.begin(), tail.end(), p);
-  out.append(buffer, static_cast<size_t>(p - buffer));
-  return true;
-}
-
-// The text of a shared constant ("null", "true", "false", "[]", "{}"), found
-// by identity; empty for every other value.
-std::string_view ConstantText(const JsonValue& value) {
-  const JsonStatics& statics = Statics();
-  if (&value == &statics.null_value) return "null";
-  if (&value == &statics.true_value) return "true";
-  if (&value == &statics.false_value) return "false";
-  if (&value == &statics.empty_array) return "[]";
-  if (&value == &statics.empty_object) return "{}";
-  return {};
+  if (text.size() > kShortText || PlainLength(data, data + text.size()) != text.size()) return nullptr;
+  *out++ = '"';
+  out = std::copy(data, data + text.size(), out);
+  *out++ = '"';
+  return out;
 }
 
 void Quote(const std::string& value, std::string& out) {
   static const char kHexDigits[] = "0123456789abcdef";
-  if (AppendShortPlain({}, value, {}, {}, out)) return;
   out.push_back('"');
   const char* const end = value.data() + value.size();
   const char* run = value.data();
@@ -126,11 +107,85 @@ void Quote(const std::string& value, std::string& out) {
   out.push_back('"');
 }
 
-template <typename Int>
-void AppendInteger(Int value, std::string& out) {
-  char buffer[24];
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  out.append(buffer, static_cast<size_t>(result.ptr - buffer));
+char* WriteNumber(int value, char* out) { return std::to_chars(out, out + 24, value).ptr; }
+char* WriteNumber(long long value, char* out) { return std::to_chars(out, out + 24, value).ptr; }
+
+char* WriteNumber(double value, char* out) {
+  if (std::isfinite(value)) return WriteDouble17(value, out);
+  // JSON has no token for these: an infinity as a number that reads back
+  // as the same infinity, a NaN as null.
+  const std::string_view text = std::isnan(value) ? "null" : value < 0 ? "-1e999" : "1e999";
+  return std::copy(text.begin(), text.end(), out);
+}
+
+// Room that WriteScalar may use (the double writer's fixed-size copies).
+constexpr size_t kScalarCapacity = kShortText + kDoubleTextCapacity;
+
+// Writes the text of a number, a short plain string or a shared constant
+// (found by identity) at out (kScalarCapacity bytes) and returns its end;
+// nullptr for every other value, which its own dump slot writes.
+char* WriteScalar(const JsonValue& value, char* out) {
+  switch (value.kind()) {
+    case JsonValue::Kind::kInt: return WriteNumber(static_cast<const JsonInt&>(value).stored(), out);
+    case JsonValue::Kind::kLong: return WriteNumber(static_cast<const JsonLong&>(value).stored(), out);
+    case JsonValue::Kind::kDouble: return WriteNumber(static_cast<const JsonDouble&>(value).stored(), out);
+    case JsonValue::Kind::kString: return WriteShortPlain(static_cast<const JsonString&>(value).stored(), out);
+    case JsonValue::Kind::kOther: break;
+  }
+  const JsonStatics& statics = Statics();
+  std::string_view text;
+  if (&value == &statics.null_value) {
+    text = "null";
+  } else if (&value == &statics.true_value) {
+    text = "true";
+  } else if (&value == &statics.false_value) {
+    text = "false";
+  } else if (&value == &statics.empty_array) {
+    text = "[]";
+  } else if (&value == &statics.empty_object) {
+    text = "{}";
+  } else {
+    return nullptr;
+  }
+  return std::copy(text.begin(), text.end(), out);
+}
+
+// Collects the small pieces of one container (separators, keys, scalars) and
+// hands them to the output string in few appends: each append is a call and
+// a memmove, which would cost more than the pieces themselves.
+class PendingText {
+ public:
+  // The most one piece may take: ", ", a quoted short key, ": " and a scalar.
+  static constexpr size_t kPieceCapacity = 2 + kShortText + 2 + 2 + kScalarCapacity;
+
+  explicit PendingText(std::string& out) : out_(out) {}
+
+  // Where the next piece of at most kPieceCapacity bytes goes.
+  char* Next() {
+    if (used_ + kPieceCapacity > sizeof buffer_) Flush();
+    return buffer_ + used_;
+  }
+  void Commit(char* end) { used_ = static_cast<size_t>(end - buffer_); }
+  // Appends what is pending; before anything else writes to the output.
+  std::string& Flush() {
+    out_.append(buffer_, used_);
+    used_ = 0;
+    return out_;
+  }
+
+ private:
+  std::string& out_;
+  size_t used_ = 0;
+  char buffer_[2 * kPieceCapacity + 128];
+};
+
+// Writes the separator (or opening bracket) and the value: in the pending
+// text when it is a scalar, else through its own dump slot.
+void WriteElement(std::string_view separator, const JsonValue& value, PendingText& pending) {
+  char* p = std::copy(separator.begin(), separator.end(), pending.Next());
+  char* const end = WriteScalar(value, p);
+  pending.Commit(end != nullptr ? end : p);
+  if (end == nullptr) value.dump(pending.Flush());
 }
 
 }  // namespace
@@ -145,32 +200,42 @@ void DumpStored(bool value, std::string& out) {
   }
 }
 
-void DumpStored(int value, std::string& out) { AppendInteger(value, out); }
-void DumpStored(long long value, std::string& out) { AppendInteger(value, out); }
+namespace {
 
-void DumpStored(double value, std::string& out) {
-  if (std::isfinite(value)) {
-    char buffer[kDoubleTextCapacity];
-    out.append(buffer, static_cast<size_t>(WriteDouble17(value, buffer) - buffer));
-  } else if (std::isnan(value)) {
-    out.append("null", 4);
+template <typename Number>
+void AppendNumber(Number value, std::string& out) {
+  char buffer[kDoubleTextCapacity];
+  out.append(buffer, static_cast<size_t>(WriteNumber(value, buffer) - buffer));
+}
+
+}  // namespace
+
+void DumpStored(int value, std::string& out) { AppendNumber(value, out); }
+void DumpStored(long long value, std::string& out) { AppendNumber(value, out); }
+void DumpStored(double value, std::string& out) { AppendNumber(value, out); }
+
+void DumpStored(const std::string& value, std::string& out) {
+  char buffer[kShortText + 2];
+  char* const end = WriteShortPlain(value, buffer);
+  if (end != nullptr) {
+    out.append(buffer, static_cast<size_t>(end - buffer));
   } else {
-    // Read back as the same infinity by the parser.
-    out.append(value < 0 ? "-1e999" : "1e999");
+    Quote(value, out);
   }
 }
 
-void DumpStored(const std::string& value, std::string& out) { Quote(value, out); }
-
 void DumpStored(const Json::array& values, std::string& out) {
-  out.push_back('[');
-  bool first = true;
-  for (const Json& value : values) {
-    if (!first) out.append(", ", 2);
-    first = false;
-    JsonAccess::Of(value).dump(out);
+  if (values.empty()) {
+    out.append("[]", 2);
+    return;
   }
-  out.push_back(']');
+  PendingText pending(out);
+  std::string_view separator = "[";
+  for (const Json& value : values) {
+    WriteElement(separator, JsonAccess::Of(value), pending);
+    separator = ", ";
+  }
+  pending.Flush().push_back(']');
 }
 
 void DumpStored(const Json::object& values, std::string& out) {
@@ -178,22 +243,21 @@ void DumpStored(const Json::object& values, std::string& out) {
     out.append("{}", 2);
     return;
   }
-  std::string_view prefix = "{";
+  PendingText pending(out);
+  std::string_view separator = "{";
   for (const auto& [key, value] : values) {
-    // "{" or ", ", the key, ": " and a constant value, in one append when
-    // the key allows.
-    const JsonValue& stored = JsonAccess::Of(value);
-    const std::string_view constant = ConstantText(stored);
-    if (!AppendShortPlain(prefix, key, ": ", constant, out)) {
-      out.append(prefix.data(), prefix.size());
-      Quote(key, out);
-      out.append(": ", 2);
-      out.append(constant.data(), constant.size());
+    char* p = std::copy(separator.begin(), separator.end(), pending.Next());
+    char* const key_end = WriteShortPlain(key, p);
+    if (key_end != nullptr) {
+      pending.Commit(key_end);
+    } else {
+      pending.Commit(p);
+      Quote(key, pending.Flush());
     }
-    if (constant.empty()) stored.dump(out);
-    prefix = ", ";
+    WriteElement(": ", JsonAccess::Of(value), pending);
+    separator = ", ";
   }
-  out.push_back('}');
+  pending.Flush().push_back('}');
 }
 
 void Json::dump(std::string& out) const { m_ptr->dump(out); }

@@ -17,6 +17,13 @@ namespace json11 {
 
 class JsonValue {
  public:
+  // Which number or string class a value is, so that the writer can format
+  // it together with the separators around it; kOther for the other classes.
+  enum class Kind : unsigned char { kOther, kInt, kLong, kDouble, kString };
+
+  explicit JsonValue(Kind kind) : kind_(kind) {}
+  Kind kind() const { return kind_; }
+
   virtual Json::Type type() const = 0;
   // Called only with a value of the same Json::Type.
   virtual bool equal_to(const JsonValue* other) const = 0;
@@ -32,6 +39,9 @@ class JsonValue {
   virtual const Json& operator[](size_t i) const;
   virtual const Json::object& object_items() const;
   virtual ~JsonValue() = default;
+
+ private:
+  const Kind kind_;
 };
 
 // Appends the text of one stored value (definitions beside the serializer).
@@ -53,8 +63,10 @@ inline bool StoredLess(std::nullptr_t, std::nullptr_t) { return false; }
 template <Json::Type tag, typename T>
 class Value : public JsonValue {
  public:
-  explicit Value(const T& value) : m_value(value) {}
-  explicit Value(T&& value) : m_value(std::move(value)) {}
+  explicit Value(const T& value, Kind kind = Kind::kOther) : JsonValue(kind), m_value(value) {}
+  explicit Value(T&& value, Kind kind = Kind::kOther) : JsonValue(kind), m_value(std::move(value)) {}
+
+  const T& stored() const { return m_value; }
 
   Json::Type type() const override { return tag; }
   bool equal_to(const JsonValue* other) const override {
@@ -84,7 +96,7 @@ class JsonBoolean final : public Value<Json::Bool, bool> {
 // representations compare as doubles.
 class JsonInt final : public Value<Json::Number, int> {
  public:
-  explicit JsonInt(int value) : Value(value) {}
+  explicit JsonInt(int value) : Value(value, Kind::kInt) {}
   bool equal_to(const JsonValue* other) const override;
   bool less_than(const JsonValue* other) const override;
   double number_value() const override;
@@ -94,7 +106,7 @@ class JsonInt final : public Value<Json::Number, int> {
 
 class JsonLong final : public Value<Json::Number, long long> {
  public:
-  explicit JsonLong(long long value) : Value(value) {}
+  explicit JsonLong(long long value) : Value(value, Kind::kLong) {}
   bool equal_to(const JsonValue* other) const override;
   bool less_than(const JsonValue* other) const override;
   double number_value() const override;
@@ -104,7 +116,7 @@ class JsonLong final : public Value<Json::Number, long long> {
 
 class JsonDouble final : public Value<Json::Number, double> {
  public:
-  explicit JsonDouble(double value) : Value(value) {}
+  explicit JsonDouble(double value) : Value(value, Kind::kDouble) {}
   bool equal_to(const JsonValue* other) const override;
   bool less_than(const JsonValue* other) const override;
   double number_value() const override;
@@ -114,7 +126,8 @@ class JsonDouble final : public Value<Json::Number, double> {
 
 class JsonString final : public Value<Json::String, std::string> {
  public:
-  using Value::Value;
+  explicit JsonString(const std::string& value) : Value(value, Kind::kString) {}
+  explicit JsonString(std::string&& value) : Value(std::move(value), Kind::kString) {}
   const std::string& string_value() const override;
 };
 
