@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <system_error>
 
@@ -59,16 +60,33 @@ size_t PlainLength(const char* p, const char* end) {
 }
 
 
+// Whether quoting copies all n bytes at p unchanged.
+bool AllPlain(const char* p, size_t n) {
+  if (n < 8) return PlainLength(p, p + n) == n;
+  for (size_t i = 0; i + 8 < n; i += 8) {
+    const std::uint64_t word = LoadWord(p + i);
+    if (AnyStringSpecial(word) | AnyByteEqual(word, 0xE2)) return false;
+  }
+  const std::uint64_t last = LoadWord(p + n - 8);  // may overlap the previous word
+  return (AnyStringSpecial(last) | AnyByteEqual(last, 0xE2)) == 0;
+}
+
+// Copies n bytes in words: short copies through memmove cost a call each.
+char* CopyShort(const char* from, size_t n, char* to) {
+  for (; n >= 8; n -= 8, from += 8, to += 8) std::memcpy(to, from, 8);
+  for (; n > 0; --n) *to++ = *from++;
+  return to;
+}
+
 constexpr size_t kShortText = 64;
 
 // Writes text in quotes at out when it is at most kShortText bytes and needs
 // no escape (most keys and many values), and returns the end; otherwise
 // writes nothing and returns nullptr.
 char* WriteShortPlain(const std::string& text, char* out) {
-  const char* const data = text.data();
-  if (text.size() > kShortText || PlainLength(data, data + text.size()) != text.size()) return nullptr;
+  if (text.size() > kShortText || !AllPlain(text.data(), text.size())) return nullptr;
   *out++ = '"';
-  out = std::copy(data, data + text.size(), out);
+  out = CopyShort(text.data(), text.size(), out);
   *out++ = '"';
   return out;
 }
@@ -147,7 +165,7 @@ char* WriteScalar(const JsonValue& value, char* out) {
   } else {
     return nullptr;
   }
-  return std::copy(text.begin(), text.end(), out);
+  return CopyShort(text.data(), text.size(), out);
 }
 
 // Collects the small pieces of one container (separators, keys, scalars) and
@@ -182,7 +200,7 @@ class PendingText {
 // Writes the separator (or opening bracket) and the value: in the pending
 // text when it is a scalar, else through its own dump slot.
 void WriteElement(std::string_view separator, const JsonValue& value, PendingText& pending) {
-  char* p = std::copy(separator.begin(), separator.end(), pending.Next());
+  char* p = CopyShort(separator.data(), separator.size(), pending.Next());
   char* const end = WriteScalar(value, p);
   pending.Commit(end != nullptr ? end : p);
   if (end == nullptr) value.dump(pending.Flush());
@@ -246,7 +264,7 @@ void DumpStored(const Json::object& values, std::string& out) {
   PendingText pending(out);
   std::string_view separator = "{";
   for (const auto& [key, value] : values) {
-    char* p = std::copy(separator.begin(), separator.end(), pending.Next());
+    char* p = CopyShort(separator.data(), separator.size(), pending.Next());
     char* const key_end = WriteShortPlain(key, p);
     if (key_end != nullptr) {
       pending.Commit(key_end);

@@ -53,8 +53,9 @@ TEST(JsonDump, StringEscapes) {
   EXPECT_EQ(Json(Json::object{{"k\"\n", 1}}).dump(), R"({"k\"\n": 1})");
 }
 
-// Every byte value, alone and inside long runs of plain text (which the
-// writer skips a word at a time), against the escape rules spelled out here.
+// Every byte value at every position of strings and keys of 1 to 24 bytes
+// (the writer checks plain text a word at a time), against the escape rules
+// spelled out here.
 TEST(JsonDump, EveryByteInEveryPositionOfAWord) {
   for (int byte = 0; byte < 256; ++byte) {
     std::string expected_escape;
@@ -75,14 +76,25 @@ TEST(JsonDump, EveryByteInEveryPositionOfAWord) {
           expected_escape = std::string(1, static_cast<char>(byte));
         }
     }
-    for (size_t position = 0; position < 17; ++position) {
-      std::string text(20, 'a');
-      text[position] = static_cast<char>(byte);
-      const std::string expected = "\"" + std::string(position, 'a') + expected_escape +
-                                   std::string(19 - position, 'a') + "\"";
-      ASSERT_EQ(Json(text).dump(), expected) << "byte " << byte << " at " << position;
+    for (size_t length = 1; length <= 24; ++length) {
+      for (size_t position = 0; position < length; ++position) {
+        std::string text(length, 'a');
+        text[position] = static_cast<char>(byte);
+        const std::string expected = "\"" + std::string(position, 'a') + expected_escape +
+                                     std::string(length - 1 - position, 'a') + "\"";
+        ASSERT_EQ(Json(text).dump(), expected) << "byte " << byte << " at " << position;
+        ASSERT_EQ(Json(Json::object{{text, nullptr}}).dump(), "{" + expected + ": null}");
+      }
     }
   }
+}
+
+TEST(JsonDump, LongStringsMixPlainRunsAndEscapes) {
+  const std::string run(100, 'x');
+  const std::string text = run + "\xe2\x80\xa8" + run + "\n\"" + run + "\xe2\x80" + run + "\x01";
+  EXPECT_EQ(Json(text).dump(), "\"" + run + "\\u2028" + run + "\\n\\\"" + run + "\xe2\x80" + run +
+                                   "\\u0001\"");
+  EXPECT_EQ(Json(Json::object{{text, 1}}).dump(), "{" + Json(text).dump() + ": 1}");
 }
 
 TEST(JsonDump, IntegersAndDoubles) {
