@@ -50,4 +50,7 @@
 #include "common/file.h"
 #include "common/file_utils.h"
 
+// JSON values
+#include "json11/json11.h"
+
 #endif  // TESSEL_DEPENDS_H_

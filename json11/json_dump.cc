@@ -1,0 +1,289 @@
+// Compact JSON text of a value. Everything is appended to one output string,
+// runs of plain bytes at once, numbers through std::to_chars (locale-free).
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <system_error>
+
+#include "json11/byte_scan.h"
+#include "json11/double_text.h"
+#include "json11/json11.h"
+#include "json11/json_value.h"
+
+namespace json11 {
+
+namespace {
+
+// What quoting does with each byte: 0 copy it, 1 a short escape ("\n" ...),
+// 2 a "\u00XX" escape, 3 look for U+2028/U+2029 (the lead byte 0xE2).
+enum QuoteAction : unsigned char { kCopy = 0, kShort = 1, kHex = 2, kLineSeparatorLead = 3 };
+
+struct QuoteTable {
+  unsigned char action[256];
+  char letter[256];
+  constexpr QuoteTable() : action(), letter() {
+    for (int c = 0; c < 0x20; ++c) action[c] = kHex;
+    const char pairs[][2] = {{'\b', 'b'}, {'\f', 'f'}, {'\n', 'n'}, {'\r', 'r'},
+                             {'\t', 't'}, {'"', '"'},  {'\\', '\\'}};
+    for (const auto& pair : pairs) {
+      action[static_cast<unsigned char>(pair[0])] = kShort;
+      letter[static_cast<unsigned char>(pair[0])] = pair[1];
+    }
+    action[0xE2] = kLineSeparatorLead;
+  }
+};
+constexpr QuoteTable kQuote;
+
+// Returns the escape of a U+2028 or U+2029 starting at p, or nullptr.
+const char* LineSeparatorEscape(const char* p, const char* end) {
+  if (end - p < 3 || static_cast<unsigned char>(p[1]) != 0x80) return nullptr;
+  const auto last = static_cast<unsigned char>(p[2]);
+  if (last == 0xA8) return "\\u2028";
+  if (last == 0xA9) return "\\u2029";
+  return nullptr;
+}
+
+// The length of the run at p that quoting copies unchanged (an 0xE2 ends it
+// even when no line separator follows).
+size_t PlainLength(const char* p, const char* end) {
+  const char* const begin = p;
+  while (end - p >= 8) {
+    const std::uint64_t word = LoadWord(p);
+    if (AnyStringSpecial(word) | AnyByteEqual(word, 0xE2)) break;
+    p += 8;
+  }
+  while (p < end && kQuote.action[static_cast<unsigned char>(*p)] == kCopy) ++p;
+  return static_cast<size_t>(p - begin);
+}
+
+
+// Whether quoting copies all n bytes at p unchanged.
+bool AllPlain(const char* p, size_t n) {
+  if (n < 8) return PlainLength(p, p + n) == n;
+  for (size_t i = 0; i + 8 < n; i += 8) {
+    const std::uint64_t word = LoadWord(p + i);
+    if (AnyStringSpecial(word) | AnyByteEqual(word, 0xE2)) return false;
+  }
+  const std::uint64_t last = LoadWord(p + n - 8);  // may overlap the previous word
+  return (AnyStringSpecial(last) | AnyByteEqual(last, 0xE2)) == 0;
+}
+
+// Copies n bytes in words: short copies through memmove cost a call each.
+char* CopyShort(const char* from, size_t n, char* to) {
+  for (; n >= 8; n -= 8, from += 8, to += 8) std::memcpy(to, from, 8);
+  for (; n > 0; --n) *to++ = *from++;
+  return to;
+}
+
+constexpr size_t kShortText = 64;
+
+// Writes text in quotes at out when it is at most kShortText bytes and needs
+// no escape (most keys and many values), and returns the end; otherwise
+// writes nothing and returns nullptr.
+char* WriteShortPlain(const std::string& text, char* out) {
+  if (text.size() > kShortText || !AllPlain(text.data(), text.size())) return nullptr;
+  *out++ = '"';
+  out = CopyShort(text.data(), text.size(), out);
+  *out++ = '"';
+  return out;
+}
+
+void Quote(const std::string& value, std::string& out) {
+  static const char kHexDigits[] = "0123456789abcdef";
+  out.push_back('"');
+  const char* const end = value.data() + value.size();
+  const char* run = value.data();
+  const char* p = run + PlainLength(run, end);
+  while (p < end) {
+    const auto c = static_cast<unsigned char>(*p);
+    const unsigned char action = kQuote.action[c];
+    const char* separator = action == kLineSeparatorLead ? LineSeparatorEscape(p, end) : nullptr;
+    if (action == kLineSeparatorLead && separator == nullptr) {
+      ++p;
+    } else {
+      out.append(run, static_cast<size_t>(p - run));
+      if (separator != nullptr) {
+        out.append(separator, 6);
+        p += 3;
+      } else if (action == kShort) {
+        const char escape[2] = {'\\', kQuote.letter[c]};
+        out.append(escape, 2);
+        ++p;
+      } else {
+        const char escape[6] = {'\\', 'u', '0', '0', kHexDigits[c >> 4], kHexDigits[c & 0xF]};
+        out.append(escape, 6);
+        ++p;
+      }
+      run = p;
+    }
+    p += PlainLength(p, end);
+  }
+  out.append(run, static_cast<size_t>(end - run));
+  out.push_back('"');
+}
+
+char* WriteNumber(int value, char* out) { return std::to_chars(out, out + 24, value).ptr; }
+char* WriteNumber(long long value, char* out) { return std::to_chars(out, out + 24, value).ptr; }
+
+char* WriteNumber(double value, char* out) {
+  if (std::isfinite(value)) return WriteDouble17(value, out);
+  // JSON has no token for these: an infinity as a number that reads back
+  // as the same infinity, a NaN as null.
+  const std::string_view text = std::isnan(value) ? "null" : value < 0 ? "-1e999" : "1e999";
+  return std::copy(text.begin(), text.end(), out);
+}
+
+// Room that WriteScalar may use (the double writer's fixed-size copies).
+constexpr size_t kScalarCapacity = kShortText + kDoubleTextCapacity;
+
+// Writes the text of a number, a short plain string or a shared constant
+// (found by identity) at out (kScalarCapacity bytes) and returns its end;
+// nullptr for every other value, which its own dump slot writes.
+char* WriteScalar(const JsonValue& value, char* out) {
+  switch (value.kind()) {
+    case JsonValue::Kind::kInt: return WriteNumber(static_cast<const JsonInt&>(value).stored(), out);
+    case JsonValue::Kind::kLong: return WriteNumber(static_cast<const JsonLong&>(value).stored(), out);
+    case JsonValue::Kind::kDouble: return WriteNumber(static_cast<const JsonDouble&>(value).stored(), out);
+    case JsonValue::Kind::kString: return WriteShortPlain(static_cast<const JsonString&>(value).stored(), out);
+    case JsonValue::Kind::kOther: break;
+  }
+  const JsonStatics& statics = Statics();
+  std::string_view text;
+  if (&value == &statics.null_value) {
+    text = "null";
+  } else if (&value == &statics.true_value) {
+    text = "true";
+  } else if (&value == &statics.false_value) {
+    text = "false";
+  } else if (&value == &statics.empty_array) {
+    text = "[]";
+  } else if (&value == &statics.empty_object) {
+    text = "{}";
+  } else {
+    return nullptr;
+  }
+  return CopyShort(text.data(), text.size(), out);
+}
+
+// Collects the small pieces of one container (separators, keys, scalars) and
+// hands them to the output string in few appends: each append is a call and
+// a memmove, which would cost more than the pieces themselves.
+class PendingText {
+ public:
+  // The most one piece may take: ", ", a quoted short key, ": " and a scalar.
+  static constexpr size_t kPieceCapacity = 2 + kShortText + 2 + 2 + kScalarCapacity;
+
+  explicit PendingText(std::string& out) : out_(out) {}
+
+  // Where the next piece of at most kPieceCapacity bytes goes.
+  char* Next() {
+    if (used_ + kPieceCapacity > sizeof buffer_) Flush();
+    return buffer_ + used_;
+  }
+  void Commit(char* end) { used_ = static_cast<size_t>(end - buffer_); }
+  // Appends what is pending; before anything else writes to the output.
+  std::string& Flush() {
+    out_.append(buffer_, used_);
+    used_ = 0;
+    return out_;
+  }
+
+ private:
+  std::string& out_;
+  size_t used_ = 0;
+  char buffer_[2 * kPieceCapacity + 128];
+};
+
+// Writes the separator (or opening bracket) and the value: in the pending
+// text when it is a scalar, else through its own dump slot.
+void WriteElement(std::string_view separator, const JsonValue& value, PendingText& pending) {
+  char* p = CopyShort(separator.data(), separator.size(), pending.Next());
+  char* const end = WriteScalar(value, p);
+  pending.Commit(end != nullptr ? end : p);
+  if (end == nullptr) value.dump(pending.Flush());
+}
+
+}  // namespace
+
+void DumpStored(std::nullptr_t, std::string& out) { out.append("null", 4); }
+
+void DumpStored(bool value, std::string& out) {
+  if (value) {
+    out.append("true", 4);
+  } else {
+    out.append("false", 5);
+  }
+}
+
+namespace {
+
+template <typename Number>
+void AppendNumber(Number value, std::string& out) {
+  char buffer[kDoubleTextCapacity];
+  out.append(buffer, static_cast<size_t>(WriteNumber(value, buffer) - buffer));
+}
+
+}  // namespace
+
+void DumpStored(int value, std::string& out) { AppendNumber(value, out); }
+void DumpStored(long long value, std::string& out) { AppendNumber(value, out); }
+void DumpStored(double value, std::string& out) { AppendNumber(value, out); }
+
+void DumpStored(const std::string& value, std::string& out) {
+  char buffer[kShortText + 2];
+  char* const end = WriteShortPlain(value, buffer);
+  if (end != nullptr) {
+    out.append(buffer, static_cast<size_t>(end - buffer));
+  } else {
+    Quote(value, out);
+  }
+}
+
+void DumpStored(const Json::array& values, std::string& out) {
+  if (values.empty()) {
+    out.append("[]", 2);
+    return;
+  }
+  PendingText pending(out);
+  std::string_view separator = "[";
+  for (const Json& value : values) {
+    WriteElement(separator, JsonAccess::Of(value), pending);
+    separator = ", ";
+  }
+  pending.Flush().push_back(']');
+}
+
+void DumpStored(const Json::object& values, std::string& out) {
+  if (values.empty()) {
+    out.append("{}", 2);
+    return;
+  }
+  PendingText pending(out);
+  std::string_view separator = "{";
+  for (const auto& [key, value] : values) {
+    char* p = CopyShort(separator.data(), separator.size(), pending.Next());
+    char* const key_end = WriteShortPlain(key, p);
+    if (key_end != nullptr) {
+      pending.Commit(key_end);
+    } else {
+      pending.Commit(p);
+      Quote(key, pending.Flush());
+    }
+    WriteElement(": ", JsonAccess::Of(value), pending);
+    separator = ", ";
+  }
+  pending.Flush().push_back('}');
+}
+
+void Json::dump(std::string& out) const { m_ptr->dump(out); }
+
+std::string Json::dump() const {
+  std::string out;
+  m_ptr->dump(out);
+  return out;
+}
+
+}  // namespace json11
