@@ -1,0 +1,47 @@
+// Hostile nesting: the JSON parser must refuse 100,000 opening brackets with
+// its depth message, quickly and without exhausting the stack (the limit is
+// 200, so the recursion never goes deeper than that whatever the input).
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "json11/json11.h"
+
+namespace {
+
+using json11::Json;
+
+std::string Repeat(const std::string& piece, size_t times) {
+  std::string text;
+  text.reserve(piece.size() * times);
+  for (size_t i = 0; i < times; ++i) text += piece;
+  return text;
+}
+
+TEST(DeepNesting, HundredThousandOpeningBracketsHitTheDepthLimit) {
+  for (const std::string& opener : {std::string("["), std::string("{\"k\":"),
+                                    std::string("[{\"a\":")}) {
+    std::string err;
+    Json value = Json::parse(Repeat(opener, 100000), err);
+    EXPECT_TRUE(value.is_null()) << opener;
+    EXPECT_EQ(err, "exceeded maximum nesting depth") << opener;
+  }
+}
+
+TEST(DeepNesting, ClosedDeepDocumentsAreRefusedToo) {
+  std::string err;
+  Json value = Json::parse(Repeat("[", 100000) + Repeat("]", 100000), err);
+  EXPECT_TRUE(value.is_null());
+  EXPECT_EQ(err, "exceeded maximum nesting depth");
+}
+
+TEST(DeepNesting, ParseMultiStopsAtTheFirstTooDeepValue) {
+  std::string err;
+  std::vector<Json> values = Json::parse_multi("1 " + Repeat("[", 100000), err);
+  ASSERT_EQ(values.size(), 2u);
+  EXPECT_EQ(values[0], Json(1));
+  EXPECT_TRUE(values[1].is_null());
+  EXPECT_EQ(err, "exceeded maximum nesting depth");
+}
+
+}  // namespace
