@@ -19,10 +19,9 @@ class FileManagerTest : public TempDirTest {
   GenericFileManager manager_;
 };
 
-// Sets the modification time to 2020-01-01 00:00:00.7 UTC (Windows' C
-// runtime keeps whole seconds only). The file clock's epoch is not the
-// system clock's; the distance between them is whole seconds, so reading both
-// clocks and rounding finds it.
+// Sets the modification time to 2020-01-01 00:00:00.7 UTC. The file clock's
+// epoch is not the system clock's; the distance between them is whole
+// seconds, so reading both clocks and rounding finds it.
 void SetTimes(const std::string& path) {
   using std::chrono::duration_cast;
   using FileTime = std::filesystem::file_time_type;
