@@ -31,7 +31,7 @@ std::size_t FinalComponentStart(const std::string& path) {
 // FIFO can neither report a bogus length nor block the caller.
 long long OpenForReading(const std::string& path, std::ifstream& stream) {
   if (!tessel_platform::RegularFileExists(path)) return -1;
-  stream.open(path, std::ios::binary | std::ios::ate);
+  stream.open(tessel_platform::NativePath(path), std::ios::binary | std::ios::ate);
   if (!stream) return -1;
   const std::streamoff end = stream.tellg();
   if (end < 0 || !stream.seekg(0)) return -1;
@@ -114,7 +114,8 @@ long long readChunkFromFile(const std::string& path, long long index, std::strin
 }
 
 long long writeFile(const char* data, long long length, const std::string& path) {
-  std::fstream stream(path, std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary);
+  std::fstream stream(tessel_platform::NativePath(path),
+                      std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary);
   if (stream && data != nullptr && length > 0) stream.write(data, length);
   return 0;
 }

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
+
+#include "platform/file_system.h"
 
 namespace tessel {
 namespace {
@@ -139,11 +139,6 @@ void TransformBlocks(std::uint32_t state[4], const unsigned char* data, std::siz
   state[3] = d;
 }
 
-bool IsRegularFile(const char* path) {
-  std::error_code error;
-  return std::filesystem::is_regular_file(std::filesystem::path(path), error);
-}
-
 }  // namespace
 
 Md5::Md5() : state_{0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476}, length_(0), pending_{} {}
@@ -198,8 +193,8 @@ int MD5_File(const char* path, char* out) {
   if (path == nullptr || out == nullptr) return -1;
   // Only regular files: a directory or a device would give a digest of
   // nothing, or never end.
-  if (!IsRegularFile(path)) return -1;
-  std::FILE* file = std::fopen(path, "rb");
+  if (!tessel_platform::RegularFileExists(path)) return -1;
+  std::FILE* file = tessel_platform::OpenFile(path, "rb");
   if (file == nullptr) return -1;
   Md5 digest;
   unsigned char chunk[kFileChunk];

@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "platform/file_system.h"
+
 namespace I18N {
 
 namespace {
@@ -104,7 +106,7 @@ MO::~MO() = default;
 
 bool MO::loadMoFile(std::string path) {
   if (isInited || path.empty()) return false;
-  std::ifstream in(path, std::ios::in | std::ios::binary);
+  std::ifstream in(tessel_platform::NativePath(path), std::ios::in | std::ios::binary);
   // peek() fails on what opens but cannot be read (a directory) and on an
   // empty file, before the size is trusted for an allocation.
   if (!in.is_open() || !in.good() ||

@@ -3,13 +3,26 @@
 // result, never by throwing (other than std::bad_alloc). Paths are the
 // system's byte strings, used as they are. Stateless; safe on any thread,
 // with concurrent operations on one path ordered only by the file system.
+// On Windows the byte strings are UTF-8 and the system sees their UTF-16
+// form.
 #ifndef TESSEL_PLATFORM_FILE_SYSTEM_H_
 #define TESSEL_PLATFORM_FILE_SYSTEM_H_
 
 #include <cstdint>
+#include <cstdio>
+#include <filesystem>
 #include <string>
 
 namespace tessel_platform {
+
+// The path as the system names files: the bytes as they are on POSIX, their
+// UTF-16 form (ill-formed UTF-8 replaced) on Windows. Use it to open streams
+// and for std::filesystem calls.
+std::filesystem::path NativePath(const std::string& path);
+
+// std::fopen of the path in its system form; null when it cannot be opened.
+// The caller closes the file.
+std::FILE* OpenFile(const std::string& path, const char* mode);
 
 // True when something (file, directory, ...) exists at path, links followed.
 bool PathExists(const std::string& path);
@@ -39,6 +52,10 @@ bool DeleteRecursively(const std::string& path);
 // (recursively) then deletes the source. False when the source is missing or
 // any step fails.
 bool MovePath(const std::string& from, const std::string& to);
+
+// Copies from to to, directories recursively, replacing files at to. False
+// when any step fails.
+bool CopyRecursively(const std::string& from, const std::string& to);
 
 // Copies the regular file from to to, replacing a file at to. False when the
 // source is not a regular file or the copy fails.

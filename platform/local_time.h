@@ -1,8 +1,8 @@
 // The C runtime's conversions between seconds since 1970-01-01 00:00:00 UTC
-// and broken-down local time, in their thread-safe forms. This file and its
-// source are the only place that names them, so another platform swaps only
-// these two files. Both read the process's time-zone setting and may be
-// called from any thread at once.
+// and broken-down local time, in their thread-safe forms. The sources under
+// platform/posix/ and platform/win/ are the only places that name them. Both
+// read the process's time-zone setting and may be called from any thread at
+// once.
 #ifndef TESSEL_PLATFORM_LOCAL_TIME_H_
 #define TESSEL_PLATFORM_LOCAL_TIME_H_
 
@@ -19,6 +19,10 @@ bool ToLocalTime(long long seconds, std::tm* out);
 // tm_isdst reads the clock time as daylight time, 0 as standard time, a
 // negative one lets the conversion decide. Returns -1 when it fails.
 long long FromLocalTime(std::tm* fields);
+
+// Sets every field of *out to -1: the result of a value that cannot be
+// converted.
+void MarkUnconverted(std::tm* out);
 
 }  // namespace tessel_platform
 

@@ -1,9 +1,10 @@
-// Conversions between UTF-8 and UTF-16 that never fail: this layer's stand-in
-// for the system code-page services. UTF-16 code units are carried one per
-// wchar_t element, whatever the width of wchar_t. Malformed input is replaced,
-// not rejected: each maximal subpart of an ill-formed UTF-8 sequence becomes
-// one U+FFFD, and so does each unpaired surrogate (or any element above 0xFFFF)
-// of UTF-16 input. Pure functions; safe on any thread.
+// Conversions between UTF-8 and UTF-16 that never fail: the system's
+// code-page services where it has them (Windows), this layer's own transcoder
+// elsewhere, with the same results everywhere. UTF-16 code units are carried
+// one per wchar_t element, whatever the width of wchar_t. Malformed input is
+// replaced, not rejected: each maximal subpart of an ill-formed UTF-8 sequence
+// becomes one U+FFFD, and so does each unpaired surrogate (or any element
+// above 0xFFFF) of UTF-16 input. Pure functions; safe on any thread.
 #ifndef TESSEL_PLATFORM_UTF16_CONVERSION_H_
 #define TESSEL_PLATFORM_UTF16_CONVERSION_H_
 

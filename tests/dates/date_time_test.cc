@@ -193,14 +193,19 @@ TEST(DateTimeUtc, DocumentedMonthExample) {
   EXPECT_EQ(t.monthStart(), DateTime(2678400));
   EXPECT_EQ(t.monthLastDate(), DateTime(2678400 + 27 * 86400));
   EXPECT_EQ(DateTime(0).description(), "1970/01/01 00:00:00");
-  EXPECT_EQ(DateTime(-1).description(), "1969/12/31 23:59:59");
+  // Windows' C runtime converts no time before 1970.
+  EXPECT_EQ(DateTime(-1).description(),
+            test_support::kOnWindows ? "DateTime(-1)" : "1969/12/31 23:59:59");
 }
 
 // ---- Properties that hold in every zone --------------------------------------
 
 class DateTimeZone : public ::testing::TestWithParam<const char*> {
  protected:
-  void SetUp() override { zone_.reset(new ScopedTimeZone(GetParam())); }
+  void SetUp() override {
+    TESSEL_SKIP_ZONE_NAME_ON_WINDOWS(GetParam());
+    zone_.reset(new ScopedTimeZone(GetParam()));
+  }
   void TearDown() override { zone_.reset(); }
 
  private:
@@ -211,9 +216,11 @@ TEST_P(DateTimeZone, DescriptionAndComponentsMatchTheCLibrary) {
   std::mt19937_64 random(9);
   for (int i = 0; i < 5000; ++i) {
     const long long seconds = static_cast<long long>(random() % 20000000000ULL) - 10000000000LL;
+    if (test_support::kOnWindows && seconds < 0) continue;  // its C runtime starts at 1970
     const time_t value = static_cast<time_t>(seconds);
-    std::tm expected{};
-    ASSERT_NE(localtime_r(&value, &expected), nullptr);
+    const std::tm* converted = std::localtime(&value);  // no other thread converts
+    ASSERT_NE(converted, nullptr);
+    const std::tm expected = *converted;
     char text[64];
     std::strftime(text, sizeof text, "%Y/%m/%d %H:%M:%S", &expected);
     const DateTime t(seconds);
@@ -276,6 +283,7 @@ TEST_P(DateTimeZone, AddMonthsRollsOverflowingDaysForward) {
 }
 
 TEST_P(DateTimeZone, AddMonthsBeyondTheYearRangeGivesMinusOne) {
+  TESSEL_SKIP_ON_WINDOWS("Windows' C runtime converts no time after the year 3000");
   // 6.7e16 s is in the year 2,123,110,000 or so; INT_MAX more months push the
   // year past INT_MAX, where the conversion back fails.
   const DateTime far(67000000000000000LL);
@@ -321,6 +329,7 @@ class DaylightSaving : public ::testing::TestWithParam<DstCase> {};
 
 TEST_P(DaylightSaving, DateStartKeepsTheFlagOfTheMoment) {
   const DstCase& c = GetParam();
+  TESSEL_SKIP_ZONE_NAME_ON_WINDOWS(c.zone);
   ScopedTimeZone zone(c.zone);
   EXPECT_EQ(DateTime(c.forward_day_10am).dateStart(), DateTime(c.forward_expected))
       << DateTime(c.forward_day_10am).dateStart().description();
@@ -359,6 +368,7 @@ INSTANTIATE_TEST_SUITE_P(
     });
 
 TEST(DaylightSavingNewYork, WeeksAndMonthEndsAcrossTheChange) {
+  TESSEL_SKIP_ZONE_NAME_ON_WINDOWS("America/New_York");
   ScopedTimeZone zone("America/New_York");
   // 2015-03-08 01:00 EST (before the change) and 2015-03-10 10:00 EDT: the
   // same calendar week, but their week starts differ by the hour of the change.

@@ -1,10 +1,10 @@
 #include "common/imp_win/generic_file_manager.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
+#include <chrono>
 #include <ctime>
+#include <filesystem>
 #include <memory>
 
 #include "common/imp_win/generic_timer.h"
@@ -19,10 +19,20 @@ class FileManagerTest : public TempDirTest {
   GenericFileManager manager_;
 };
 
-// 2020-01-01 00:00:00.7 UTC, set with utimensat (both times).
+// Sets the modification time to 2020-01-01 00:00:00.7 UTC. The file clock's
+// epoch is not the system clock's; the distance between them is whole
+// seconds, so reading both clocks and rounding finds it.
 void SetTimes(const std::string& path) {
-  const struct timespec times[2] = {{1577836800, 700000000}, {1577836800, 700000000}};
-  ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  using std::chrono::duration_cast;
+  using FileTime = std::filesystem::file_time_type;
+  const auto epoch_distance = std::chrono::round<std::chrono::seconds>(
+      FileTime::clock::now().time_since_epoch() -
+      duration_cast<FileTime::duration>(std::chrono::system_clock::now().time_since_epoch()));
+  const FileTime time(duration_cast<FileTime::duration>(
+      std::chrono::seconds(1577836800) + std::chrono::milliseconds(700) + epoch_distance));
+  std::error_code error;
+  std::filesystem::last_write_time(path, time, error);
+  ASSERT_FALSE(error) << error.message();
 }
 
 TEST_F(FileManagerTest, ReportsSizesAndExistence) {

@@ -1,16 +1,14 @@
-#include "platform/utf16_conversion.h"
+#include "platform/utf16_transcoder.h"
 
 #include <cstdint>
 
 #include "platform/utf8_codec.h"
 
 namespace tessel_platform {
+namespace transcoder {
 namespace {
 
 constexpr char32_t kFirstSupplementary = 0x10000;
-// Units or bytes per block of the string forms, which convert each block into
-// a buffer on the stack and append it, all within the data cache.
-constexpr std::size_t kBlock = 4096;
 
 std::uint32_t Unit(wchar_t element) { return static_cast<std::uint32_t>(element); }
 
@@ -56,29 +54,6 @@ std::size_t Utf8ToUtf16Units(const char* text, std::size_t length, wchar_t* out)
   return written;
 }
 
-// The end of the UTF-8 block that starts at `start`: never inside a sequence
-// or a maximal subpart, which consist of a lead byte and at most three
-// continuation bytes, so a cut before a byte that is not a continuation byte
-// splits neither.
-std::size_t Utf8BlockEnd(const unsigned char* text, std::size_t start, std::size_t length) {
-  const std::size_t end = start + kBlock;
-  if (end >= length) return length;
-  for (std::size_t cut = end; cut + 3 >= end; --cut) {
-    if ((text[cut] & 0xC0) != 0x80) return cut;
-  }
-  // Four continuation bytes: whatever precedes them ends before `end`.
-  return end;
-}
-
-// The end of the UTF-16 block that starts at `start`: a surrogate pair stays
-// in one block.
-std::size_t Utf16BlockEnd(const wchar_t* text, std::size_t start, std::size_t length) {
-  std::size_t end = start + kBlock;
-  if (end >= length) return length;
-  return IsHighSurrogate(Unit(text[end - 1])) ? end + 1 : end;
-}
-
-
 }  // namespace
 
 std::size_t Utf16LengthOfUtf8(const char* text, std::size_t length) {
@@ -115,27 +90,5 @@ std::size_t Utf16ToUtf8(const wchar_t* text, std::size_t length, char* out) {
   return static_cast<std::size_t>(out - first);
 }
 
-void Utf8ToUtf16(const char* text, std::size_t length, std::wstring& out) {
-  out.reserve(length);
-  out.clear();
-  const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text);
-  for (std::size_t start = 0; start < length;) {
-    const std::size_t end = Utf8BlockEnd(bytes, start, length);
-    wchar_t units[kBlock + 3];
-    out.append(units, Utf8ToUtf16(text + start, end - start, units));
-    start = end;
-  }
-}
-
-void Utf16ToUtf8(const wchar_t* text, std::size_t length, std::string& out) {
-  out.reserve(3 * length);
-  out.clear();
-  for (std::size_t start = 0; start < length;) {
-    const std::size_t end = Utf16BlockEnd(text, start, length);
-    char bytes[3 * (kBlock + 1)];
-    out.append(bytes, Utf16ToUtf8(text + start, end - start, bytes));
-    start = end;
-  }
-}
-
+}  // namespace transcoder
 }  // namespace tessel_platform
