@@ -129,11 +129,18 @@ TEST(DateTimeValue, LeapYearsAndMonthLengths) {
 }
 
 TEST(DateTimeValue, ClockReadsTheWallClock) {
-  const long long before = static_cast<long long>(time(nullptr));
+  // The bounds come from the system clock itself: glibc's time() reads a
+  // coarser clock that may lag it by a tick.
+  const auto wall_seconds = [] {
+    return static_cast<long long>(std::chrono::duration_cast<std::chrono::seconds>(
+                                      std::chrono::system_clock::now().time_since_epoch())
+                                      .count());
+  };
+  const long long before = wall_seconds();
   const long long seconds = tessel::date::now_time_interval();
   const long long millis = tessel::date::milliseconds_interval_since_1970();
   const long long now = DateTime::now().secSince1970();
-  const long long after = static_cast<long long>(time(nullptr));
+  const long long after = wall_seconds();
   EXPECT_GE(seconds, before);
   EXPECT_LE(seconds, after);
   EXPECT_GE(millis / 1000, before);
