@@ -16,7 +16,8 @@ namespace json_test {
 
 // The value class behind a Json ("json11::JsonInt", ...), from its type information.
 inline std::string ValueClass(const json11::Json& json) {
-  const std::type_info& info = typeid(json11::JsonAccess::Of(json));
+  const json11::JsonValue& value = json11::JsonAccess::Of(json);
+  const std::type_info& info = typeid(value);
   int status = 0;
   std::unique_ptr<char, void (*)(void*)> name(
       abi::__cxa_demangle(info.name(), nullptr, nullptr, &status), std::free);
