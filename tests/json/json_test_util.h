@@ -14,8 +14,7 @@
 
 namespace json_test {
 
-// The value class behind a Json ("json11::JsonInt", ...), read from the
-// value's own type information.
+// The value class behind a Json ("json11::JsonInt", ...), from its type information.
 inline std::string ValueClass(const json11::Json& json) {
   const json11::JsonValue& value = json11::JsonAccess::Of(json);
   const std::type_info& info = typeid(value);
@@ -25,15 +24,17 @@ inline std::string ValueClass(const json11::Json& json) {
   return status == 0 ? name.get() : info.name();
 }
 
-inline json11::Json Parse(const std::string& text) {
+inline json11::Json Parse(const std::string& text, std::string* error = nullptr) {
   std::string err;
-  return json11::Json::parse(text, err);
+  json11::Json json = json11::Json::parse(text, err);
+  if (error) *error = err;
+  return json;
 }
 
 // The error message of parsing text ("" when it parses).
 inline std::string ParseError(const std::string& text) {
   std::string err;
-  json11::Json::parse(text, err);
+  Parse(text, &err);
   return err;
 }
 

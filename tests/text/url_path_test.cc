@@ -7,15 +7,19 @@
 #include <cstdio>
 #include <random>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
 #include "common/string_utils.h"
+#include "table.h"
 
 namespace {
 
 using tessel::StringUtils;
 using Params = std::unordered_map<std::string, std::string>;
+using text_test::ExpectEach;
+using text_test::ExpectEach2;
 
 TEST(UrlEncode, EveryByteAgainstTheUnreservedSet) {
   for (int i = 0; i < 256; ++i) {
@@ -27,20 +31,13 @@ TEST(UrlEncode, EveryByteAgainstTheUnreservedSet) {
   }
 }
 
-TEST(UrlEncode, DocumentedExamples) {
-  EXPECT_EQ(StringUtils::url_encode("a b&c=d/\xc3\xa9"), "a%20b%26c%3dd%2f%c3%a9");
-  EXPECT_EQ(StringUtils::url_encode("AZaz09-._~"), "AZaz09-._~");
-  EXPECT_EQ(StringUtils::url_encode(""), "");
-  EXPECT_EQ(StringUtils::url_encode(std::string("\0+", 2)), "%00%2b");
-}
-
-TEST(UrlDecode, DocumentedExamples) {
-  EXPECT_EQ(StringUtils::url_decode("a+b%20c%2F"), "a b c/");
-  EXPECT_EQ(StringUtils::url_decode("%4g"), "\x04");
-  EXPECT_EQ(StringUtils::url_decode("100%"), "100%");
-  EXPECT_EQ(StringUtils::url_decode("%zz"), "%zz");
-  EXPECT_EQ(StringUtils::url_decode("%%41"), "%A");
-  EXPECT_EQ(StringUtils::url_decode("%+"), "% ");
+TEST(UrlEncodeDecode, DocumentedExamples) {
+  ExpectEach(StringUtils::url_encode, {{"a b&c=d/\xc3\xa9", "a%20b%26c%3dd%2f%c3%a9"},
+                                       {"AZaz09-._~", "AZaz09-._~"}, {"", ""},
+                                       {std::string("\0+", 2), "%00%2b"}});
+  ExpectEach(StringUtils::url_decode, {{"a+b%20c%2F", "a b c/"}, {"%4g", "\x04"},
+                                       {"100%", "100%"}, {"%zz", "%zz"}, {"%%41", "%A"},
+                                       {"%+", "% "}});
 }
 
 TEST(UrlDecode, RoundTripsEncodedBytes) {
@@ -58,17 +55,12 @@ std::string DecodeWithSscanf(const std::string& text) {
   std::string out;
   for (size_t i = 0; i < text.size();) {
     const char c = text[i++];
-    if (c == '%') {
-      const size_t take = std::min<size_t>(2, text.size() - i);
-      char window[3] = {0, 0, 0};
-      text.copy(window, take, i);
-      unsigned value = 0;
-      if (std::sscanf(window, "%x", &value) == 1) {
-        out += static_cast<char>(value & 0xff);
-        i += take;
-      } else {
-        out += '%';
-      }
+    char window[3] = {0, 0, 0};
+    const size_t take = text.copy(window, 2, i);
+    unsigned value = 0;
+    if (c == '%' && std::sscanf(window, "%x", &value) == 1) {
+      out += static_cast<char>(value & 0xff);
+      i += take;
     } else {
       out += c == '+' ? ' ' : c;
     }
@@ -76,67 +68,49 @@ std::string DecodeWithSscanf(const std::string& text) {
   return out;
 }
 
+// Every "%" followed by no byte, one byte, or two bytes and a trailing byte
+// (which shows whether both bytes of the escape were skipped).
 TEST(UrlDecode, EscapeReadsLikeSscanfForAllBytePairs) {
+  EXPECT_EQ(StringUtils::url_decode("%"), DecodeWithSscanf("%"));
   for (int first = 0; first < 256; ++first) {
-    std::string single = "%";
-    single += static_cast<char>(first);
+    const std::string single = "%" + std::string(1, static_cast<char>(first));
     ASSERT_EQ(StringUtils::url_decode(single), DecodeWithSscanf(single)) << "byte " << first;
     for (int second = 0; second < 256; ++second) {
-      // A trailing byte shows whether both bytes of the escape were skipped.
-      std::string text = single;
-      text += static_cast<char>(second);
-      text += 'Q';
+      const std::string text = single + static_cast<char>(second) + "Q";
       ASSERT_EQ(StringUtils::url_decode(text), DecodeWithSscanf(text))
           << "bytes " << first << " " << second;
     }
   }
-  EXPECT_EQ(StringUtils::url_decode("%"), DecodeWithSscanf("%"));
-}
-
-TEST(UrlDecode, SignsWhiteSpaceAndHexPrefix) {
-  // Values read by `printf '%x'`-style scanning: a sign, leading white space
-  // and "0x" all count.
-  EXPECT_EQ(StringUtils::url_decode("%-1"), "\xff");
-  EXPECT_EQ(StringUtils::url_decode("%+f"), "\x0f");
-  EXPECT_EQ(StringUtils::url_decode("% 5"), "\x05");
-  EXPECT_EQ(StringUtils::url_decode("%0x"), std::string(1, '\0'));
-  EXPECT_EQ(StringUtils::url_decode("%x1"), "%x1");
 }
 
 TEST(UrlParams, ReadsTheQueryAfterTheLastQuestionMark) {
-  Params params{{"old", "1"}};
-  EXPECT_EQ(StringUtils::getUrlParams("/p?a=1&b=2&a=3", params), 2);
-  EXPECT_EQ(params, (Params{{"a", "3"}, {"b", "2"}}));
-
-  params = {{"old", "1"}};
-  EXPECT_EQ(StringUtils::getUrlParams("no-query", params), 1);
-  EXPECT_EQ(params, (Params{{"old", "1"}}));
-
-  EXPECT_EQ(StringUtils::getUrlParams("x?y?k=v", params), 1);
-  EXPECT_EQ(params, (Params{{"k", "v"}}));
-
-  EXPECT_EQ(StringUtils::getUrlParams("/p?a&b=&=c&d=e=f&g==h&&i=%20#x", params), 2);
-  EXPECT_EQ(params, (Params{{"g", "h"}, {"i", "%20#x"}}));
-
-  EXPECT_EQ(StringUtils::getUrlParams("/p?", params), 0);
-  EXPECT_TRUE(params.empty());
+  const std::tuple<std::string, int, Params> cases[] = {
+      {"/p?a=1&b=2&a=3", 2, {{"a", "3"}, {"b", "2"}}},
+      {"no-query", 1, {{"old", "1"}}},  // left as it was
+      {"x?y?k=v", 1, {{"k", "v"}}},
+      {"/p?a&b=&=c&d=e=f&g==h&&i=%20#x", 2, {{"g", "h"}, {"i", "%20#x"}}},
+      {"/p?", 0, {}},
+  };
+  for (const auto& [url, count, expected] : cases) {
+    Params params{{"old", "1"}};
+    EXPECT_EQ(StringUtils::getUrlParams(url, params), count) << url;
+    EXPECT_EQ(params, expected) << url;
+  }
 }
 
 TEST(UrlParams, AppendFollowsTheQueryAndKeepsTheFragment) {
-  Params one{{"k", "a b"}};
-  EXPECT_EQ(StringUtils::appendUrlParams("/p#top", one, true), "/p?k=a%20b#top");
-  EXPECT_EQ(StringUtils::appendUrlParams("/p#top", one, false), "/p?k=a b#top");
-  EXPECT_EQ(one, (Params{{"k", "a b"}}));
-
-  Params kv{{"k", "v"}};
-  EXPECT_EQ(StringUtils::appendUrlParams("/p?x=1", kv, false), "/p?x=1&k=v");
-  EXPECT_EQ(StringUtils::appendUrlParams("/p?x=1#f?g", kv, false), "/p?x=1&k=v#f?g");
-  EXPECT_EQ(StringUtils::appendUrlParams("/p#", kv, false), "/p?k=v");
-
-  Params none;
-  EXPECT_EQ(StringUtils::appendUrlParams("p?a=1", none, true), "p?a=1&");
-  EXPECT_EQ(StringUtils::appendUrlParams("p?", none, true), "p");
-  EXPECT_EQ(StringUtils::appendUrlParams("p", none, true), "p");
+  const Params one{{"k", "a b"}}, kv{{"k", "v"}}, none;
+  const std::tuple<std::string, Params, bool, std::string> cases[] = {
+      {"/p#top", one, true, "/p?k=a%20b#top"},  {"/p#top", one, false, "/p?k=a b#top"},
+      {"/p?x=1", kv, false, "/p?x=1&k=v"},       {"/p?x=1#f?g", kv, false, "/p?x=1&k=v#f?g"},
+      {"/p#", kv, false, "/p?k=v"},              {"p?a=1", none, true, "p?a=1&"},
+      {"p?", none, true, "p"},                   {"p", none, true, "p"},
+  };
+  for (const auto& [url, params, encode, expected] : cases) {
+    Params passed = params;
+    EXPECT_EQ(StringUtils::appendUrlParams(url, passed, encode), expected) << url;
+    EXPECT_EQ(passed, params) << url;
+  }
 }
 
 TEST(UrlParams, AppendedParametersReadBack) {
@@ -152,16 +126,14 @@ TEST(UrlParams, AppendedParametersReadBack) {
 }
 
 TEST(FileUrls, DocumentedExamples) {
-  EXPECT_EQ(StringUtils::URLFromFilePath("/tmp/a b.txt"), "file:///tmp/a%20b.txt");
-  EXPECT_EQ(StringUtils::FilePathFromURL("file:///tmp/a%20b.txt"), "/tmp/a b.txt");
-  EXPECT_EQ(StringUtils::FilePathFromURL("file:///C:/My%20Files/a.txt"), "C:/My Files/a.txt");
-  EXPECT_EQ(StringUtils::FilePathFromURL("file:///Users/a.txt"), "/Users/a.txt");
-  EXPECT_EQ(StringUtils::FilePathFromURL("FILE:///x+y"), "FILE:///x y");
-  EXPECT_EQ(StringUtils::FilePathFromURL("rel/a%2fb"), "rel/a/b");
-  EXPECT_EQ(StringUtils::URLFromFilePath("C:/a b"), "file:///C%3a/a%20b");
-  EXPECT_EQ(StringUtils::URLFromFilePath("C:\\a"), "file:///C%3a%5ca");
-  EXPECT_EQ(StringUtils::URLFromFilePath("//a//b//"), "file:///a/b");
-  EXPECT_EQ(StringUtils::URLFromFilePath(""), "file:///");
+  ExpectEach(StringUtils::URLFromFilePath,
+             {{"/tmp/a b.txt", "file:///tmp/a%20b.txt"}, {"C:/a b", "file:///C%3a/a%20b"},
+              {"C:\\a", "file:///C%3a%5ca"}, {"//a//b//", "file:///a/b"}, {"", "file:///"}});
+  ExpectEach(StringUtils::FilePathFromURL,
+             {{"file:///tmp/a%20b.txt", "/tmp/a b.txt"},
+              {"file:///C:/My%20Files/a.txt", "C:/My Files/a.txt"},
+              {"file:///Users/a.txt", "/Users/a.txt"}, {"FILE:///x+y", "FILE:///x y"},
+              {"rel/a%2fb", "rel/a/b"}});
 }
 
 std::string RandomComponent(std::mt19937& random) {
@@ -192,28 +164,17 @@ TEST(FileUrls, PathToUrlAndBackRoundTrips) {
   EXPECT_EQ(StringUtils::FilePathFromURL(StringUtils::URLFromFilePath("/")), "/");
 }
 
-TEST(Paths, FullPathFromRelativePath) {
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("../c/d", "/a/b"), "/a/c/d");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("./c", "/a/b"), "/a/b/./c");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("../../../c", "/a/b"), "/c");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("../x", "a/b"), "a/x");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("/a", "/x/y"), "/x/y/a");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("", "/a/b"), "/a/b/");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("dir/f", "/a"), "dir/f");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("../a/../b", "/x/y"), "/x/a/../b");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("..", "/x/y"), "/x/");
-  EXPECT_EQ(StringUtils::fullPathFromRelativePath("./", ""), ".");
-}
-
-TEST(Paths, RelativePath2Path) {
-  EXPECT_EQ(StringUtils::relativePath2Path("/a/b/c/d.txt", "/a/b/x"), "../c/d.txt");
-  EXPECT_EQ(StringUtils::relativePath2Path("/a/b/c", "/a/b"), "c");
-  EXPECT_EQ(StringUtils::relativePath2Path("/a/b", "/a/b"), "");
-  EXPECT_EQ(StringUtils::relativePath2Path("/a", "/a/b/c"), "../../");
-  EXPECT_EQ(StringUtils::relativePath2Path("rel/x", "/a"), "rel/x");
-  EXPECT_EQ(StringUtils::relativePath2Path("/A/b", "/a/b"), "../../A/b");
-  EXPECT_EQ(StringUtils::relativePath2Path("/a/x/b", "/a/y/b"), "../../x/b");
-  EXPECT_EQ(StringUtils::relativePath2Path("", "/a"), "../");
+TEST(Paths, FullAndRelativePaths) {
+  ExpectEach2(StringUtils::fullPathFromRelativePath,
+              {{"../c/d", "/a/b", "/a/c/d"}, {"./c", "/a/b", "/a/b/./c"},
+               {"../../../c", "/a/b", "/c"}, {"../x", "a/b", "a/x"}, {"/a", "/x/y", "/x/y/a"},
+               {"", "/a/b", "/a/b/"}, {"dir/f", "/a", "dir/f"},
+               {"../a/../b", "/x/y", "/x/a/../b"}, {"..", "/x/y", "/x/"}, {"./", "", "."}});
+  ExpectEach2(StringUtils::relativePath2Path,
+              {{"/a/b/c/d.txt", "/a/b/x", "../c/d.txt"}, {"/a/b/c", "/a/b", "c"},
+               {"/a/b", "/a/b", ""}, {"/a", "/a/b/c", "../../"}, {"rel/x", "/a", "rel/x"},
+               {"/A/b", "/a/b", "../../A/b"}, {"/a/x/b", "/a/y/b", "../../x/b"},
+               {"", "/a", "../"}});
 }
 
 TEST(Paths, RelativeThenFullGivesThePathBack) {
@@ -238,17 +199,13 @@ TEST(Paths, RelativeThenFullGivesThePathBack) {
 }
 
 TEST(Paths, LastPathComponent) {
-  EXPECT_EQ(StringUtils::lastPathComponent("/a/b/c.txt", '/'), "c.txt");
-  EXPECT_EQ(StringUtils::lastPathComponent("/a/b/", '/'), "b");
-  EXPECT_EQ(StringUtils::lastPathComponent("a/b", '/'), "b");
-  EXPECT_EQ(StringUtils::lastPathComponent("/a", '/'), "/a");
-  EXPECT_EQ(StringUtils::lastPathComponent("b/", '/'), "b/");
-  EXPECT_EQ(StringUtils::lastPathComponent("/a/b//", '/'), "");
-  EXPECT_EQ(StringUtils::lastPathComponent("/", '/'), "/");
-  EXPECT_EQ(StringUtils::lastPathComponent("", '/'), "");
-  EXPECT_EQ(StringUtils::lastPathComponent("//", '/'), "//");
-  EXPECT_EQ(StringUtils::lastPathComponent("C:\\dir\\f.txt", '\\'), "f.txt");
-  EXPECT_EQ(StringUtils::lastPathComponent("C:\\dir\\f.txt", '/'), "C:\\dir\\f.txt");
+  const auto last = [](const std::string& path, const std::string& separator) {
+    return StringUtils::lastPathComponent(path, separator[0]);
+  };
+  ExpectEach2(last, {{"/a/b/c.txt", "/", "c.txt"}, {"/a/b/", "/", "b"}, {"a/b", "/", "b"},
+                     {"/a", "/", "/a"}, {"b/", "/", "b/"}, {"/a/b//", "/", ""}, {"/", "/", "/"},
+                     {"", "/", ""}, {"//", "/", "//"}, {"C:\\dir\\f.txt", "\\", "f.txt"},
+                     {"C:\\dir\\f.txt", "/", "C:\\dir\\f.txt"}});
 }
 
 }  // namespace

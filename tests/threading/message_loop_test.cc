@@ -63,18 +63,14 @@ TEST(MessageLoop, QuitStopsRunAfterTheTaskInProgressAndKeepsTheRest) {
   EXPECT_EQ(ran, (std::vector<int>{1, 2}));
   loop.RunUntilIdle();
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
-}
-
-TEST(MessageLoop, QuitWhenIdleRunsTasksPostedByTasksFirst) {
-  base::MessageLoop loop;
-  std::vector<int> ran;
+  // QuitWhenIdle runs tasks posted by tasks first.
   loop.QuitWhenIdle();
   loop.PostTask(FROM_HERE, [&] {
-    ran.push_back(1);
-    loop.PostTask(FROM_HERE, [&] { ran.push_back(2); });
+    ran.push_back(4);
+    loop.PostTask(FROM_HERE, [&] { ran.push_back(5); });
   });
   loop.Run();
-  EXPECT_EQ(ran, (std::vector<int>{1, 2}));
+  EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4, 5}));
 }
 
 TEST(MessageLoop, DestructionRunsWhatIsStillQueued) {
@@ -157,8 +153,7 @@ TEST(Thread, StopRunsEveryQueuedTaskAndReleasesABlockedPoster) {
   base::MessageLoop* loop = thread->message_loop();
 
   std::promise<void> gate;
-  std::shared_future<void> opened = gate.get_future().share();
-  loop->PostTask(FROM_HERE, [opened] { opened.wait(); });
+  loop->PostTask(FROM_HERE, [opened = gate.get_future().share()] { opened.wait(); });
   for (int i = 0; i < kQueued; ++i) loop->PostTask(FROM_HERE, [&ran] { ++ran; });
 
   std::promise<void> posted;
