@@ -37,14 +37,16 @@ MO FromImage(const std::vector<unsigned char>& image, std::function<int(int)> ru
 // Expected answers are the msgstr texts of tests/data/i18n/de.po.
 void ExpectGermanAnswers(const MO& mo) {
   ASSERT_TRUE(mo.getIsInited());
-  EXPECT_EQ(mo.translate("Open", ""), "Öffnen");
-  EXPECT_EQ(mo.translate("Open", "menu"), "Öffnen…");
-  EXPECT_EQ(mo.translate("Close", ""), "Schließen");
-  EXPECT_EQ(mo.translate("Close", "toolbar"), "Zu");
-  EXPECT_EQ(mo.translate("Close", "menu"), "Close");
-  EXPECT_EQ(mo.translate("Line one\nLine two", ""), "Zeile eins\nZeile zwei");
-  EXPECT_EQ(mo.translate("Tab\there", ""), "Tab\thier");
-  EXPECT_EQ(mo.translate("file", ""), "Datei");
+  const struct {
+    const char *message, *context, *expected;
+  } kCases[] = {
+      {"Open", "", "Öffnen"},    {"Open", "menu", "Öffnen…"}, {"Close", "", "Schließen"},
+      {"Close", "toolbar", "Zu"}, {"Close", "menu", "Close"},  {"file", "", "Datei"},
+      {"Line one\nLine two", "", "Zeile eins\nZeile zwei"},   {"Tab\there", "", "Tab\thier"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(mo.translate(c.message, c.context), c.expected) << c.context << "|" << c.message;
+  }
   EXPECT_EQ(mo.translatePlural("file", "files", 1, ""), "Datei");
   for (int n : {0, 2, -5, 1000}) EXPECT_EQ(mo.translatePlural("file", "files", n, ""), "Dateien");
   EXPECT_EQ(mo.translatePlural("message", "messages", 1, "mailbox"), "Nachricht");
