@@ -129,7 +129,7 @@ TEST(MoCatalog, LoadMoFileResults) {
   EXPECT_FALSE(none.getIsInited());
 }
 
-TEST(MoCatalog, EmptyImageIsAcceptedAndEveryLookupFallsBack) {
+TEST(MoCatalog, EmptyImagesAndKeys) {
   const MO mo = FromImage(BuildImage({}));
   EXPECT_TRUE(mo.getIsInited());
   EXPECT_EQ(mo.getHeadersInfo(), "");
@@ -138,16 +138,14 @@ TEST(MoCatalog, EmptyImageIsAcceptedAndEveryLookupFallsBack) {
   EXPECT_EQ(mo.translatePlural("file", "files", 0, ""), "files");
   const MO uninitialised;
   EXPECT_EQ(uninitialised.translatePlural("file", "files", -1, "x"), "files");
-}
-
-TEST(MoCatalog, HeaderIsCutAtNulAndASecondEmptyKeyIsAMessage) {
-  const MO mo = FromImage(BuildImage({
+  // The header is cut at a NUL; a second empty key is a message.
+  const MO headed = FromImage(BuildImage({
       {"", "Language: de\n" + kNul + "ignored"},
       {"", "second" + kNul + "seconds"},
   }));
-  EXPECT_EQ(mo.getHeadersInfo(), "Language: de\n");
-  EXPECT_EQ(mo.translate("", ""), "second");
-  EXPECT_EQ(mo.translatePlural("", "x", 3, ""), "seconds");
+  EXPECT_EQ(headed.getHeadersInfo(), "Language: de\n");
+  EXPECT_EQ(headed.translate("", ""), "second");
+  EXPECT_EQ(headed.translatePlural("", "x", 3, ""), "seconds");
 }
 
 TEST(MoCatalog, ContextKeys) {
@@ -275,7 +273,9 @@ TEST(MoCatalog, HostileHeadersAndDescriptorsAreRefused) {
   auto exact = BuildImage({{"Open", "Auf"}});
   exact.pop_back();
   EXPECT_EQ(FromImage(exact).translate("Open", ""), "Auf");
-  for (size_t size = 0; size < 28; ++size) EXPECT_FALSE(FromImage({valid.begin(), valid.begin() + size}).getIsInited());
+  for (size_t size = 0; size < 28; ++size) {
+    EXPECT_FALSE(FromImage({valid.begin(), valid.begin() + size}).getIsInited()) << size;
+  }
 }
 
 TEST(MoCatalog, RandomlyCorruptedImagesNeverReadOutOfBounds) {
