@@ -136,16 +136,13 @@ TEST_F(FileUtilsIo, ReadChunkRefusesBadArgumentsWithAnEmptyResult) {
   }
 }
 
-TEST_F(FileUtilsIo, WritesBytesUnchanged) {
+TEST_F(FileUtilsIo, WritesBytesUnchangedAndNothingCreatesOrTruncates) {
   const std::string data = std::string("line\r\nnul\0end\n", 14) + Pattern(3000);
   EXPECT_EQ(FileUtils::writeFile(data.data(), static_cast<long long>(data.size()), Path("w")), 0);
   EXPECT_EQ(Slurp(Path("w")), data);
   // Rewriting truncates.
   EXPECT_EQ(FileUtils::writeFile("ab", 2, Path("w")), 0);
   EXPECT_EQ(Slurp(Path("w")), "ab");
-}
-
-TEST_F(FileUtilsIo, WriteOfNothingCreatesOrTruncates) {
   EXPECT_EQ(FileUtils::writeFile("", 0, Path("new")), 0);
   EXPECT_TRUE(std::filesystem::is_regular_file(Path("new")));
   EXPECT_EQ(std::filesystem::file_size(Path("new")), 0u);

@@ -186,7 +186,7 @@ TEST(MoCatalog, PluralFormsAndFallbacks) {
   EXPECT_EQ(FromImage(image, nullptr, 2).selectPluralForm(-1), 1u);
 }
 
-TEST(MoCatalog, TranslationsSplitIntoForms) {
+TEST(MoCatalog, TranslationsSplitIntoFormsAndTheLaterDuplicateWins) {
   const MO mo = FromImage(BuildImage({
       {"empty", ""},
       {"one" + kNul + "ones", "eins" + kNul},
@@ -197,15 +197,12 @@ TEST(MoCatalog, TranslationsSplitIntoForms) {
   EXPECT_EQ(mo.translatePlural("empty", "empties", 2, ""), "empties");
   EXPECT_EQ(mo.translatePlural("one", "ones", 2, ""), "ones");  // a trailing NUL adds no form
   EXPECT_EQ(mo.translatePlural("two", "twos", 2, ""), "");      // two NULs add an empty form
-}
-
-TEST(MoCatalog, LaterDuplicateKeyWinsWhateverItsPlural) {
-  const MO mo = FromImage(BuildImage({
+  const MO duplicated = FromImage(BuildImage({
       {"file" + kNul + "files", "A" + kNul + "As"},
       {"file" + kNul + "filez", "B"},
   }));
-  EXPECT_EQ(mo.translate("file", ""), "B");
-  EXPECT_EQ(mo.translatePlural("file", "files", 2, ""), "files");
+  EXPECT_EQ(duplicated.translate("file", ""), "B");
+  EXPECT_EQ(duplicated.translatePlural("file", "files", 2, ""), "files");
 }
 
 TEST(MoCatalog, CopiesOutliveTheOriginal) {
