@@ -4,6 +4,7 @@
 // (weekdays, month lengths) are checked on dates whose weekday is known.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <climits>
 #include <cstdlib>
@@ -12,6 +13,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/date_time.h"
@@ -36,14 +38,19 @@ DateTime Local(int year, int month, int day, int hour, int minute = 0) {
   return DateTime(static_cast<long long>(mktime(&fields)));
 }
 
-void ExpectClock(const DateTime& t, int year, int month, int day, int hour, int minute = 0) {
+using Clock = std::array<int, 6>;
+
+// Year, month, day, hour, minute, second of t's components.
+Clock ClockOf(const DateTime& t) {
   const DateTimeComponents c = t.components();
-  EXPECT_EQ(c.year(), year) << t.description();
-  EXPECT_EQ(c.month(), month) << t.description();
-  EXPECT_EQ(c.day(), day) << t.description();
-  EXPECT_EQ(c.hour(), hour) << t.description();
-  EXPECT_EQ(c.minute(), minute) << t.description();
-  EXPECT_EQ(c.second(), 0) << t.description();
+  return {c.year(), c.month(), c.day(), c.hour(), c.minute(), c.second()};
+}
+
+std::string ZoneTestName(std::string zone) {
+  for (char& c : zone) {
+    if (c == '/') c = '_';
+  }
+  return zone;
 }
 
 TEST(DateTimeValue, DefaultsAndSentinel) {
@@ -71,7 +78,7 @@ TEST(DateTimeValue, ConstantsAndComparisons) {
   EXPECT_EQ(c, b);
 }
 
-TEST(DateTimeValue, DifferencesTruncateTowardZero) {
+TEST(DateTimeValue, DifferencesTruncateTowardZeroAndArithmeticWraps) {
   EXPECT_EQ(DateTime(0).daysSince(DateTime(1)), 0);
   EXPECT_EQ(DateTime(0).daysSince(DateTime(86401)), -1);
   EXPECT_EQ(DateTime(86399).daysSince(DateTime(0)), 0);
@@ -80,9 +87,6 @@ TEST(DateTimeValue, DifferencesTruncateTowardZero) {
   EXPECT_EQ(DateTime(119).minutesSince(DateTime(0)), 1);
   EXPECT_EQ(DateTime(-119).minutesSince(DateTime(0)), -1);
   EXPECT_EQ(DateTime(10).secondsSince(DateTime(25)), -15);
-}
-
-TEST(DateTimeValue, ArithmeticWrapsLikeTwosComplement) {
   EXPECT_EQ(DateTime::future().addSecondsCopy(1), DateTime(LLONG_MIN));
   // 2^62 days are 2^69 * 675 seconds: 0 modulo 2^64.
   EXPECT_EQ(DateTime(0).addDaysCopy(1LL << 62), DateTime(0));
@@ -108,24 +112,16 @@ TEST(DateTimeValue, CopyingVariantsLeaveTheOriginal) {
 }
 
 TEST(DateTimeValue, LeapYearsAndMonthLengths) {
-  EXPECT_TRUE(DateTime::isLeapYear(2000));
-  EXPECT_FALSE(DateTime::isLeapYear(1900));
-  EXPECT_TRUE(DateTime::isLeapYear(2004));
-  EXPECT_FALSE(DateTime::isLeapYear(2015));
-  EXPECT_TRUE(DateTime::isLeapYear(-4));
-  EXPECT_TRUE(DateTime::isLeapYear(-400));
-  EXPECT_FALSE(DateTime::isLeapYear(-100));
-  EXPECT_EQ(DateTime::monthDayCount(2000, 2), 29);
-  EXPECT_EQ(DateTime::monthDayCount(1900, 2), 28);
-  EXPECT_EQ(DateTime::monthDayCount(2004, 2), 29);
-  EXPECT_EQ(DateTime::monthDayCount(2100, 2), 28);
-  const int kDays2015[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  for (int month = 1; month <= 12; ++month) {
-    EXPECT_EQ(DateTime::monthDayCount(2015, month), kDays2015[month - 1]) << month;
+  for (const int year : {2000, 2004, -4, -400}) EXPECT_TRUE(DateTime::isLeapYear(year)) << year;
+  for (const int year : {1900, 2015, -100}) EXPECT_FALSE(DateTime::isLeapYear(year)) << year;
+  for (const auto& [year, days] : {std::pair{2000, 29}, {1900, 28}, {2004, 29}, {2100, 28}}) {
+    EXPECT_EQ(DateTime::monthDayCount(year, 2), days) << year;
   }
-  EXPECT_EQ(DateTime::monthDayCount(2015, 0), 30);
-  EXPECT_EQ(DateTime::monthDayCount(2015, 13), 30);
-  EXPECT_EQ(DateTime::monthDayCount(2015, 14), 31);
+  // Months 0 to 14 of 2015; those outside 1..12 have 30 or 31 days.
+  const int kDays2015[] = {30, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31, 30, 31};
+  for (int month = 0; month <= 14; ++month) {
+    EXPECT_EQ(DateTime::monthDayCount(2015, month), kDays2015[month]) << month;
+  }
 }
 
 TEST(DateTimeValue, ClockReadsTheWallClock) {
@@ -155,12 +151,7 @@ TEST(DateTimeComponentsValue, AccessorsTranslateMonthAndYear) {
   ScopedTimeZone utc("UTC");
   // `date -u -d @1425806723`: Sunday 2015-03-08 09:25:23, day 66 of the year.
   DateTimeComponents c = DateTime(1425806723).components();
-  EXPECT_EQ(c.year(), 2015);
-  EXPECT_EQ(c.month(), 3);
-  EXPECT_EQ(c.day(), 8);
-  EXPECT_EQ(c.hour(), 9);
-  EXPECT_EQ(c.minute(), 25);
-  EXPECT_EQ(c.second(), 23);
+  EXPECT_EQ(ClockOf(DateTime(1425806723)), (Clock{2015, 3, 8, 9, 25, 23}));
   EXPECT_EQ(c.weekDay(), 0);
   EXPECT_EQ(c.yearDay(), 66);
   EXPECT_FALSE(c.isDayLightSavingTime());
@@ -240,11 +231,6 @@ TEST_P(DateTimeZone, DescriptionAndComponentsMatchTheCLibrary) {
   }
 }
 
-TEST_P(DateTimeZone, GmtOffsetIsAlwaysZero) {
-  EXPECT_EQ(Local(2015, 7, 1, 12).gmtOffset(), 0);
-  EXPECT_EQ(Local(2015, 1, 1, 12).gmtOffset(), 0);
-}
-
 TEST_P(DateTimeZone, DayWeekAndMonthStarts) {
   // 2015-01-11 and 2015-07-12 are Sundays; no clock change in those weeks.
   for (const int month : {1, 7}) {
@@ -274,12 +260,13 @@ TEST_P(DateTimeZone, MonthEndsAndLeapYears) {
 }
 
 TEST_P(DateTimeZone, AddMonthsRollsOverflowingDaysForward) {
-  ExpectClock(Local(2015, 1, 31, 10).addMonthsCopy(1), 2015, 3, 3, 10);
-  ExpectClock(Local(2016, 1, 31, 10).addMonthsCopy(1), 2016, 3, 2, 10);
-  ExpectClock(Local(2016, 2, 29, 10).addMonthsCopy(12), 2017, 3, 1, 10);
-  ExpectClock(Local(2015, 12, 15, 10).addMonthsCopy(-12), 2014, 12, 15, 10);
-  ExpectClock(Local(2015, 12, 15, 10).addMonthsCopy(-24 - 11), 2013, 1, 15, 10);
-  ExpectClock(Local(2015, 11, 15, 10).addMonthsCopy(2), 2016, 1, 15, 10);
+  const auto at10 = [](int year, int month, int day) { return Clock{year, month, day, 10, 0, 0}; };
+  EXPECT_EQ(ClockOf(Local(2015, 1, 31, 10).addMonthsCopy(1)), at10(2015, 3, 3));
+  EXPECT_EQ(ClockOf(Local(2016, 1, 31, 10).addMonthsCopy(1)), at10(2016, 3, 2));
+  EXPECT_EQ(ClockOf(Local(2016, 2, 29, 10).addMonthsCopy(12)), at10(2017, 3, 1));
+  EXPECT_EQ(ClockOf(Local(2015, 12, 15, 10).addMonthsCopy(-12)), at10(2014, 12, 15));
+  EXPECT_EQ(ClockOf(Local(2015, 12, 15, 10).addMonthsCopy(-24 - 11)), at10(2013, 1, 15));
+  EXPECT_EQ(ClockOf(Local(2015, 11, 15, 10).addMonthsCopy(2)), at10(2016, 1, 15));
   // 31 March minus one month is 3 March (the clock may move with the flag).
   const DateTimeComponents back = Local(2015, 3, 31, 10).addMonthsCopy(-1).components();
   EXPECT_EQ(back.month(), 3);
@@ -301,7 +288,9 @@ TEST_P(DateTimeZone, AddMonthsBeyondTheYearRangeGivesMinusOne) {
   EXPECT_LT(DateTime::future().addMonthsCopy(1).secSince1970(), 0);
 }
 
-TEST_P(DateTimeZone, TodayAndYesterday) {
+TEST_P(DateTimeZone, TodayYesterdayAndAZeroGmtOffset) {
+  EXPECT_EQ(Local(2015, 7, 1, 12).gmtOffset(), 0);
+  EXPECT_EQ(Local(2015, 1, 1, 12).gmtOffset(), 0);
   EXPECT_TRUE(DateTime::now().isToday());
   EXPECT_FALSE(DateTime::now().isYesterday());
   EXPECT_TRUE(DateTime::yesterday().isYesterday());
@@ -312,13 +301,7 @@ TEST_P(DateTimeZone, TodayAndYesterday) {
 INSTANTIATE_TEST_SUITE_P(Zones, DateTimeZone,
                          ::testing::Values("UTC", "America/New_York", "Europe/Berlin",
                                            "Australia/Lord_Howe"),
-                         [](const ::testing::TestParamInfo<const char*>& info) {
-                           std::string name = info.param;
-                           for (char& c : name) {
-                             if (c == '/') c = '_';
-                           }
-                           return name;
-                         });
+                         [](const auto& info) { return ZoneTestName(info.param); });
 
 // ---- Daylight-saving changes, counts from GNU date ---------------------------
 
@@ -366,13 +349,7 @@ INSTANTIATE_TEST_SUITE_P(
         // No clock changes: 2015-03-08 and 2015-11-01, 2015-06-15 10:00.
         DstCase{"UTC", 1425808800, 1425772800, 1446372000, 1446336000, 1421316000,
                 1434362400}),
-    [](const ::testing::TestParamInfo<DstCase>& info) {
-      std::string name = info.param.zone;
-      for (char& c : name) {
-        if (c == '/') c = '_';
-      }
-      return name;
-    });
+    [](const auto& info) { return ZoneTestName(info.param.zone); });
 
 TEST(DaylightSavingNewYork, WeeksAndMonthEndsAcrossTheChange) {
   TESSEL_SKIP_ZONE_NAME_ON_WINDOWS("America/New_York");
@@ -385,32 +362,25 @@ TEST(DaylightSavingNewYork, WeeksAndMonthEndsAcrossTheChange) {
   EXPECT_EQ(before.weekStart(), DateTime(1425790800));
   // From 5 March 10:00 EST: 1 March 00:00 EST plus 30 days of 86400 s is
   // 31 March 01:00 EDT.
-  ExpectClock(DateTime(1425567600).monthLastDate(), 2015, 3, 31, 1);
+  EXPECT_EQ(ClockOf(DateTime(1425567600).monthLastDate()), (Clock{2015, 3, 31, 1, 0, 0}));
   // From 31 March 10:00 EDT the kept flag reads 1 March 00:00 as daylight
   // time: 28 February 23:00 EST (1 March 00:00 EST is 1425186000).
   EXPECT_EQ(DateTime(1427810400).monthStart(), DateTime(1425186000 - 3600));
 }
 
-}  // namespace
-
-namespace {
 
 TEST(DateTimeThreads, ConcurrentCallsAgreeWithSerialOnes) {
   ScopedTimeZone zone("Europe/Berlin");
-  std::vector<std::string> expected;
-  for (long long i = 0; i < 400; ++i) {
+  const auto summary = [](long long i) {
     const DateTime t(1420070400 + i * 86399);
-    expected.push_back(t.description() + "|" + t.dateStart().description() + "|" +
-                       t.addMonthsCopy(1).description() + "|" +
-                       std::to_string(t.weekStart().secSince1970()));
-  }
-  auto work = [&expected] {
+    return t.description() + "|" + t.dateStart().description() + "|" +
+           t.addMonthsCopy(1).description() + "|" + std::to_string(t.weekStart().secSince1970());
+  };
+  std::vector<std::string> expected;
+  for (long long i = 0; i < 400; ++i) expected.push_back(summary(i));
+  auto work = [&expected, &summary] {
     for (long long i = 0; i < 400; ++i) {
-      const DateTime t(1420070400 + i * 86399);
-      const std::string got = t.description() + "|" + t.dateStart().description() + "|" +
-                              t.addMonthsCopy(1).description() + "|" +
-                              std::to_string(t.weekStart().secSince1970());
-      if (got != expected[static_cast<size_t>(i)]) return false;
+      if (summary(i) != expected[static_cast<size_t>(i)]) return false;
     }
     return true;
   };

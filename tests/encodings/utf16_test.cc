@@ -7,6 +7,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "common/string_utils.h"
@@ -88,19 +89,12 @@ std::wstring ReferenceUtf16(const std::string& text) {
 // Code points to UTF-8 by the bit distribution of the Unicode Standard's
 // Table 3-6.
 std::string ReferenceUtf8(const std::vector<long>& code_points) {
+  static const int kLead[] = {0x00, 0xC0, 0xE0, 0xF0};
   std::string out;
   for (const long cp : code_points) {
-    if (cp < 0x80) {
-      out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-      out += {static_cast<char>(0xC0 | (cp >> 6)), static_cast<char>(0x80 | (cp & 0x3F))};
-    } else if (cp < 0x10000) {
-      out += {static_cast<char>(0xE0 | (cp >> 12)), static_cast<char>(0x80 | ((cp >> 6) & 0x3F)),
-              static_cast<char>(0x80 | (cp & 0x3F))};
-    } else {
-      out += {static_cast<char>(0xF0 | (cp >> 18)), static_cast<char>(0x80 | ((cp >> 12) & 0x3F)),
-              static_cast<char>(0x80 | ((cp >> 6) & 0x3F)), static_cast<char>(0x80 | (cp & 0x3F))};
-    }
+    const int extra = cp < 0x80 ? 0 : cp < 0x800 ? 1 : cp < 0x10000 ? 2 : 3;
+    out += static_cast<char>(kLead[extra] | (cp >> (6 * extra)));
+    for (int k = extra - 1; k >= 0; --k) out += static_cast<char>(0x80 | ((cp >> (6 * k)) & 0x3F));
   }
   return out;
 }
@@ -126,19 +120,12 @@ TEST(Utf8ToUtf16, MatchesReferenceOnEverySequenceOfOneToThreeBytes) {
   // which ends any incomplete sequence, so one conversion covers all
   // sequences that share a first byte.
   for (int b0 = 1; b0 < 256; ++b0) {
-    std::string text;
-    text.push_back(static_cast<char>(b0));
-    text.push_back('A');
+    const char c0 = static_cast<char>(b0);
+    std::string text = {c0, 'A'};
     for (int b1 = 1; b1 < 256; ++b1) {
-      text.push_back(static_cast<char>(b0));
-      text.push_back(static_cast<char>(b1));
-      text.push_back('A');
-      for (int b2 = 1; b2 < 256; ++b2) {
-        text.push_back(static_cast<char>(b0));
-        text.push_back(static_cast<char>(b1));
-        text.push_back(static_cast<char>(b2));
-        text.push_back('A');
-      }
+      const char c1 = static_cast<char>(b1);
+      text += {c0, c1, 'A'};
+      for (int b2 = 1; b2 < 256; ++b2) text += {c0, c1, static_cast<char>(b2), 'A'};
     }
     ASSERT_EQ(ToUtf16(text), ReferenceUtf16(text)) << "first byte " << b0;
   }
@@ -163,12 +150,8 @@ TEST(Utf8ToUtf16, MatchesReferenceOnRandomStrings) {
     const std::string text = RandomUtf8ish(random);
     ASSERT_EQ(ToUtf16(text), ReferenceUtf16(text)) << "case " << i;
   }
-}
-
-TEST(Utf8ToUtf16, MatchesReferenceOnLongRandomStrings) {
-  // Long enough to be converted in several blocks, with sequences and
-  // maximal subparts falling across the block boundaries.
-  std::mt19937 random(99);
+  // Long texts are converted in several blocks, with sequences and maximal
+  // subparts falling across the block boundaries.
   for (int i = 0; i < 40; ++i) {
     std::string text;
     while (text.size() < 30000) text += RandomUtf8ish(random);
@@ -206,20 +189,20 @@ TEST(Utf16ToUtf8, MatchesReferenceOnLongRandomUnits) {
   }
 }
 
-TEST(Utf8ToUtf16, CarriesSupplementaryCharactersAsSurrogatePairs) {
-  EXPECT_EQ(ToUtf16("\xF0\x9F\x98\x80"), (std::wstring{0xD83D, 0xDE00}));
-  EXPECT_EQ(ToUtf16("a\xF4\x8F\xBF\xBFz"), (std::wstring{L'a', 0xDBFF, 0xDFFF, L'z'}));
-}
-
 TEST(Utf8ToUtf16, NullTextFailsAndLeavesOutputAlone) {
   std::wstring out = L"kept";
   EXPECT_FALSE(StringUtilsWin::utf8ToUnicode(nullptr, out));
   EXPECT_EQ(out, L"kept");
   EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("", out));
   EXPECT_TRUE(out.empty());
+  std::string narrow = "kept";
+  EXPECT_FALSE(StringUtilsWin::unicodeToUtf8(nullptr, narrow));
+  EXPECT_EQ(narrow, "kept");
+  EXPECT_TRUE(StringUtilsWin::unicodeToUtf8(L"", narrow));
+  EXPECT_TRUE(narrow.empty());
 }
 
-TEST(Utf8ToUtf16Buffer, NeedsRoomForTheTerminatingNul) {
+TEST(Utf8ToUtf16Buffer, NeedsRoomForTheTerminatingNulOrMeasures) {
   wchar_t buffer[8];
   std::fill(std::begin(buffer), std::end(buffer), L'#');
   EXPECT_FALSE(StringUtilsWin::utf8ToUnicode("abc", buffer, 3));
@@ -229,10 +212,8 @@ TEST(Utf8ToUtf16Buffer, NeedsRoomForTheTerminatingNul) {
   EXPECT_FALSE(StringUtilsWin::utf8ToUnicode("\xF0\x9F\x98\x80", buffer, 2));
   EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("\xF0\x9F\x98\x80", buffer, 3));
   EXPECT_EQ(std::wstring(buffer), (std::wstring{0xD83D, 0xDE00}));
-}
-
-TEST(Utf8ToUtf16Buffer, CapacityZeroOnlyMeasures) {
-  wchar_t buffer[2] = {L'#', L'#'};
+  // Capacity zero only measures.
+  buffer[0] = L'#';
   EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("abc", buffer, 0));
   EXPECT_TRUE(StringUtilsWin::utf8ToUnicode("abc", nullptr, 0));
   EXPECT_EQ(buffer[0], L'#');
@@ -251,14 +232,6 @@ TEST(Utf16ToUtf8, ReplacesUnpairedSurrogates) {
   if (kLargestElement > 0xFFFF) {
     EXPECT_EQ(ToUtf8(std::wstring{static_cast<wchar_t>(0x1F600)}), "\xEF\xBF\xBD");
   }
-}
-
-TEST(Utf16ToUtf8, NullTextFailsAndLeavesOutputAlone) {
-  std::string out = "kept";
-  EXPECT_FALSE(StringUtilsWin::unicodeToUtf8(nullptr, out));
-  EXPECT_EQ(out, "kept");
-  EXPECT_TRUE(StringUtilsWin::unicodeToUtf8(L"", out));
-  EXPECT_TRUE(out.empty());
 }
 
 // Every scalar value from U+0001 to `last`, in order: a text that covers all
@@ -286,9 +259,15 @@ TEST(StrictConversion, RoundTripsEveryScalarValueOnePerElement) {
   EXPECT_EQ(StringUtils::s2ws(utf8), code_points);
 }
 
-void ExpectBadConversion(const std::string& text) {
+// `text` (UTF-8 for s2ws, wide for ws2s) is refused with the documented error.
+template <typename Text>
+void ExpectBadConversion(const Text& text) {
   try {
-    StringUtils::s2ws(text);
+    if constexpr (std::is_same_v<Text, std::string>) {
+      StringUtils::s2ws(text);
+    } else {
+      StringUtils::ws2s(text);
+    }
     ADD_FAILURE() << "no exception for " << ::testing::PrintToString(text);
   } catch (const std::range_error& error) {
     EXPECT_STREQ(error.what(), "bad conversion");
@@ -330,12 +309,12 @@ TEST(StrictConversion, S2wsKeepsOneElementPerCodePoint) {
     EXPECT_EQ(StringUtils::s2ws("\xF0\x9F\x98\x80"),
               std::wstring(1, static_cast<wchar_t>(0x1F600)));
   } else {
-    ExpectBadConversion("\xF0\x9F\x98\x80");  // one element cannot hold it
+    ExpectBadConversion(std::string("\xF0\x9F\x98\x80"));  // one element cannot hold it
   }
   EXPECT_EQ(StringUtils::s2ws("\xEF\xBB\xBFx"), (std::wstring{0xFEFF, L'x'}));
   EXPECT_EQ(StringUtils::s2ws(std::string("a\0b", 3)), (std::wstring{L'a', L'\0', L'b'}));
-  ExpectBadConversion("\xFF");
-  ExpectBadConversion("abc\xE2\x82");  // cut short at the end
+  ExpectBadConversion(std::string("\xFF"));
+  ExpectBadConversion(std::string("abc\xE2\x82"));  // cut short at the end
 }
 
 TEST(StrictConversion, Ws2sRejectsSurrogatesAndValuesBeyondUnicode) {
@@ -344,14 +323,7 @@ TEST(StrictConversion, Ws2sRejectsSurrogatesAndValuesBeyondUnicode) {
     bad_elements.push_back(static_cast<wchar_t>(0x110000));
     bad_elements.push_back(static_cast<wchar_t>(-1));
   }
-  for (wchar_t bad : bad_elements) {
-    try {
-      StringUtils::ws2s(std::wstring{L'a', bad});
-      ADD_FAILURE() << "no exception for " << static_cast<long>(bad);
-    } catch (const std::range_error& error) {
-      EXPECT_STREQ(error.what(), "bad conversion");
-    }
-  }
+  for (wchar_t bad : bad_elements) ExpectBadConversion(std::wstring{L'a', bad});
   EXPECT_EQ(StringUtils::ws2s(std::wstring{0xFEFF}), "\xEF\xBB\xBF");
 }
 

@@ -30,14 +30,11 @@ class FileTest : public TempDirTest {
   }
 };
 
-TEST(FileName, FollowsThePath) {
+TEST(FileName, FollowsThePathAndCopiesAreIndependent) {
   EXPECT_EQ(File("C:/data/mail.eml").fileName(), "mail.eml");
   EXPECT_EQ(File("C:/data/").fileName(), "");
   EXPECT_EQ(File("C:\\data\\mail.eml").fullPath(), "C:\\data\\mail.eml");
   EXPECT_EQ(File("C:\\data\\mail.eml").fileName(), "mail.eml");
-}
-
-TEST(FileName, CopiesAreIndependent) {
   InjectFileManager(std::make_shared<tessel::GenericFileManager>());
   File original("x/a.txt");
   File copy(original);
@@ -52,13 +49,18 @@ TEST(FileName, CopiesAreIndependent) {
   EXPECT_EQ(copy.fullPath(), "x/a.txt");
 }
 
-TEST(FileWithoutManager, AnswersNeutrally) {
-  InjectFileManager(nullptr);
-  File file("/");
+// What a file that cannot be examined answers.
+void ExpectNeutral(File& file) {
   EXPECT_FALSE(file.exist());
   EXPECT_EQ(file.fileSize(), 0u);
   EXPECT_EQ(file.createTime(), 0);
   EXPECT_EQ(file.modifyTime(), 0);
+}
+
+TEST(FileWithoutManager, AnswersNeutrally) {
+  InjectFileManager(nullptr);
+  File file("/");
+  ExpectNeutral(file);
   EXPECT_EQ(file.move("D:/x/y.txt"), 0);
   EXPECT_EQ(file.fullPath(), "D:/x/y.txt");
   EXPECT_EQ(file.fileName(), "y.txt");
@@ -82,10 +84,7 @@ TEST_F(FileTest, ExaminesARealFile) {
 
 TEST_F(FileTest, MissingFileGivesZerosAndNoDigest) {
   File file(Path("missing"));
-  EXPECT_FALSE(file.exist());
-  EXPECT_EQ(file.fileSize(), 0u);
-  EXPECT_EQ(file.createTime(), 0);
-  EXPECT_EQ(file.modifyTime(), 0);
+  ExpectNeutral(file);
   EXPECT_EQ(file.md5(), "");
   long long length = -1;
   EXPECT_EQ(file.read(&length), nullptr);
@@ -140,9 +139,6 @@ TEST_F(FileTest, MovesTheFileAndItsName) {
   EXPECT_EQ(missing.fileName(), "y.txt");
 }
 
-}  // namespace
-
-namespace {
 
 // Four threads examine their own files at once through the shared holder and
 // file manager; TSan checks that nothing is shared unguarded. The threads never

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "temp_dir.h"
 
@@ -23,35 +25,27 @@ TEST(FileUtilsPath, FormalizesSeparators) {
   EXPECT_EQ(Formalized("", true), "");
 }
 
+// fn(input) == expected for every {input, expected}.
+template <typename Fn>
+void ExpectEach(Fn fn, std::initializer_list<std::pair<std::string, std::string>> cases) {
+  for (const auto& [input, expected] : cases) EXPECT_EQ(fn(input), expected) << "[" << input << "]";
+}
+
 TEST(FileUtilsPath, SplitsTheFinalComponent) {
-  EXPECT_EQ(FileUtils::lastPathComponent("dir/name.txt"), "name.txt");
-  EXPECT_EQ(FileUtils::lastPathComponent("a/b/"), "b");
-  EXPECT_EQ(FileUtils::lastPathComponent("a\\b\\"), "b\\");
-  EXPECT_EQ(FileUtils::lastPathComponent("name"), "name");
-  EXPECT_EQ(FileUtils::lastPathComponent("C:name"), "name");
-  EXPECT_EQ(FileUtils::lastPathComponent("a//b"), "b");
-  EXPECT_EQ(FileUtils::lastPathComponent(""), "");
-
-  EXPECT_EQ(FileUtils::fileNameFromfilePath("C:\\dir\\name.txt"), "name.txt");
-  EXPECT_EQ(FileUtils::fileNameFromfilePath("a/b/"), "");
-  EXPECT_EQ(FileUtils::fileNameFromfilePath("a\\b\\"), "b\\");
-  EXPECT_EQ(FileUtils::fileNameFromfilePath(""), "");
-
-  EXPECT_EQ(FileUtils::fileDirFromFilePath("dir/sub/name.txt"), "dir/sub/");
-  EXPECT_EQ(FileUtils::fileDirFromFilePath("name.txt"), "");
-  EXPECT_EQ(FileUtils::fileDirFromFilePath("a/b/"), "a/b");
-  EXPECT_EQ(FileUtils::fileDirFromFilePath("C:\\dir\\x.eml"), "C:\\dir\\");
+  ExpectEach(FileUtils::lastPathComponent,
+             {{"dir/name.txt", "name.txt"}, {"a/b/", "b"}, {"a\\b\\", "b\\"}, {"name", "name"},
+              {"C:name", "name"}, {"a//b", "b"}, {"", ""}});
+  ExpectEach(FileUtils::fileNameFromfilePath,
+             {{"C:\\dir\\name.txt", "name.txt"}, {"a/b/", ""}, {"a\\b\\", "b\\"}, {"", ""}});
+  ExpectEach(FileUtils::fileDirFromFilePath,
+             {{"dir/sub/name.txt", "dir/sub/"}, {"name.txt", ""}, {"a/b/", "a/b"},
+              {"C:\\dir\\x.eml", "C:\\dir\\"}});
 }
 
 TEST(FileUtilsPath, FindsTheExtension) {
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath("a/b.txt"), ".txt");
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath("a/b"), "");
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath("a/.profile"), ".profile");
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath("name.tar.gz"), ".gz");
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath("dir.d\\name"), "");
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath("my file.a b"), "");
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath("name."), ".");
-  EXPECT_EQ(FileUtils::fileExtensionFromFilePath(""), "");
+  ExpectEach(FileUtils::fileExtensionFromFilePath,
+             {{"a/b.txt", ".txt"}, {"a/b", ""}, {"a/.profile", ".profile"}, {"name.tar.gz", ".gz"},
+              {"dir.d\\name", ""}, {"my file.a b", ""}, {"name.", "."}, {"", ""}});
 }
 
 // Expected types from Debian's media-types (/etc/mime.types) and, for msg,
@@ -75,20 +69,12 @@ TEST(FileUtilsMime, KnowsTheTypesAMailClientMeets) {
   for (const auto& c : kCases) {
     EXPECT_EQ(FileUtils::mimeTypeFromFileExtension(c.extension), c.type) << c.extension;
   }
-}
-
-TEST(FileUtilsMime, IgnoresCaseAndALeadingDot) {
-  EXPECT_EQ(FileUtils::mimeTypeFromFileExtension(".PDF"), "application/pdf");
-  EXPECT_EQ(FileUtils::mimeTypeFromFileExtension("Eml"), "message/rfc822");
-  EXPECT_EQ(FileUtils::mimeTypeFromFileExtension("..pdf"), "application/octet-stream");
-}
-
-TEST(FileUtilsMime, FallsBackToOctetStream) {
-  EXPECT_EQ(FileUtils::mimeTypeFromFileExtension("nosuchext"), "application/octet-stream");
-  EXPECT_EQ(FileUtils::mimeTypeFromFileExtension(""), "application/octet-stream");
-  EXPECT_EQ(FileUtils::mimeTypeFromFileExtension("."), "application/octet-stream");
-  EXPECT_EQ(FileUtils::mimeTypeFromFileExtension(std::string("pdf\0x", 5)),
-            "application/octet-stream");
+  // Case and one leading dot are ignored; anything else unknown is a stream.
+  ExpectEach(FileUtils::mimeTypeFromFileExtension,
+             {{".PDF", "application/pdf"}, {"Eml", "message/rfc822"},
+              {"..pdf", "application/octet-stream"}, {"nosuchext", "application/octet-stream"},
+              {"", "application/octet-stream"}, {".", "application/octet-stream"},
+              {std::string("pdf\0x", 5), "application/octet-stream"}});
 }
 
 TEST(FileUtilsTmp, NamesTheTemporaryDirectoryWithATrailingSlash) {
@@ -102,23 +88,18 @@ TEST(FileUtilsTmp, NamesTheTemporaryDirectoryWithATrailingSlash) {
 
 using FileUtilsIo = TempDirTest;
 
-TEST_F(FileUtilsIo, ReadsAWholeFile) {
+TEST_F(FileUtilsIo, ReadsWholeFiles) {
   const std::string data = Pattern(1000);
   char* buffer = nullptr;
   ASSERT_EQ(FileUtils::readFile(Make("f", data), &buffer), 1000);
   std::unique_ptr<char[]> owned(buffer);
   EXPECT_EQ(std::string(buffer, 1000), data);
-}
-
-TEST_F(FileUtilsIo, ReadsAnEmptyFileAsAnEmptyBuffer) {
-  char* buffer = nullptr;
+  // An empty file gives an empty buffer, not none.
   EXPECT_EQ(FileUtils::readFile(Make("empty", ""), &buffer), 0);
+  owned.reset(buffer);
   EXPECT_NE(buffer, nullptr);
-  delete[] buffer;
-}
-
-TEST_F(FileUtilsIo, ReadFileOfWhatCannotBeReadGivesNothing) {
-  char* buffer = reinterpret_cast<char*>(this);
+  // What cannot be read gives nothing.
+  buffer = reinterpret_cast<char*>(this);
   EXPECT_EQ(FileUtils::readFile(Path("missing"), &buffer), 0);
   EXPECT_EQ(buffer, nullptr);
   buffer = reinterpret_cast<char*>(this);
@@ -130,44 +111,38 @@ TEST_F(FileUtilsIo, ReadFileOfWhatCannotBeReadGivesNothing) {
 TEST_F(FileUtilsIo, ReadsChunksByIndex) {
   const std::string data = Pattern(1000);
   const std::string path = Make("f", data);
-  std::string out = "previous";
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 0, out, 512), 512);
-  EXPECT_EQ(out, data.substr(0, 512));
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 1, out, 512), 488);
-  EXPECT_EQ(out, data.substr(512));
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 2, out, 500), 0);
-  EXPECT_TRUE(out.empty());
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 3, out, 250), 250);
-  EXPECT_EQ(out, data.substr(750));
+  const struct {
+    long long index, size, expected_begin, expected_length;
+  } kCases[] = {{0, 512, 0, 512}, {1, 512, 512, 488}, {2, 500, 0, 0}, {3, 250, 750, 250}};
+  for (const auto& c : kCases) {
+    std::string out = "previous";
+    EXPECT_EQ(FileUtils::readChunkFromFile(path, c.index, out, c.size), c.expected_length);
+    EXPECT_EQ(out, data.substr(c.expected_begin, c.expected_length)) << c.index << "/" << c.size;
+  }
 }
 
 TEST_F(FileUtilsIo, ReadChunkRefusesBadArgumentsWithAnEmptyResult) {
   const std::string path = Make("f", Pattern(100));
-  std::string out = "previous";
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 7, out, 100), 0);
-  EXPECT_TRUE(out.empty());
-  out = "previous";
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, -1, out, 10), 0);
-  EXPECT_TRUE(out.empty());
-  out = "previous";
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 0, out, 0), 0);
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 0, out, -5), 0);
-  EXPECT_EQ(FileUtils::readChunkFromFile(path, 1LL << 62, out, 1LL << 62), 0);
-  EXPECT_EQ(FileUtils::readChunkFromFile(Path("missing"), 0, out, 10), 0);
-  EXPECT_EQ(FileUtils::readChunkFromFile(dir_.string(), 0, out, 10), 0);
-  EXPECT_TRUE(out.empty());
+  const struct {
+    std::string path;
+    long long index, size;
+  } kCases[] = {{path, 7, 100},   {path, -1, 10},          {path, 0, 0},
+                {path, 0, -5},    {path, 1LL << 62, 1LL << 62},
+                {Path("missing"), 0, 10}, {dir_.string(), 0, 10}};
+  for (const auto& c : kCases) {
+    std::string out = "previous";
+    EXPECT_EQ(FileUtils::readChunkFromFile(c.path, c.index, out, c.size), 0) << c.path << c.index;
+    EXPECT_TRUE(out.empty()) << c.path << " " << c.index << "/" << c.size;
+  }
 }
 
-TEST_F(FileUtilsIo, WritesBytesUnchanged) {
+TEST_F(FileUtilsIo, WritesBytesUnchangedAndNothingCreatesOrTruncates) {
   const std::string data = std::string("line\r\nnul\0end\n", 14) + Pattern(3000);
   EXPECT_EQ(FileUtils::writeFile(data.data(), static_cast<long long>(data.size()), Path("w")), 0);
   EXPECT_EQ(Slurp(Path("w")), data);
   // Rewriting truncates.
   EXPECT_EQ(FileUtils::writeFile("ab", 2, Path("w")), 0);
   EXPECT_EQ(Slurp(Path("w")), "ab");
-}
-
-TEST_F(FileUtilsIo, WriteOfNothingCreatesOrTruncates) {
   EXPECT_EQ(FileUtils::writeFile("", 0, Path("new")), 0);
   EXPECT_TRUE(std::filesystem::is_regular_file(Path("new")));
   EXPECT_EQ(std::filesystem::file_size(Path("new")), 0u);

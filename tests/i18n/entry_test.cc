@@ -44,14 +44,6 @@ TEST(Entry, NewEntriesPrintOnlyTheirClass) {
   EXPECT_EQ(fresh.getSingular() + fresh.getPlural() + fresh.getContext(), "");
 }
 
-TEST(Entry, PluralLineNeedsFlagAndText) {
-  EXPECT_EQ(FilledTranslateEntry("file", "files", false, {}).toString(),
-            "[TranslateEntry]\n\t Singular:\t\t file");
-  EXPECT_EQ(FilledTranslateEntry("file", "", true, {}).toString(),
-            "[TranslateEntry]\n\t Singular:\t\t file");
-  EXPECT_EQ(FilledTranslateEntry("", "files", true, {}).toString(),
-            "[TranslateEntry]\n\t Plural:\t\t files");
-}
 
 TEST(Entry, NoopEntryPrintsItsDomain) {
   auto* registry = I18N::I18nUtils::getInstance();
@@ -61,14 +53,19 @@ TEST(Entry, NoopEntryPrintsItsDomain) {
             "[NoopEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files\n\t Context:\t\t disk");
 }
 
-TEST(Entry, TranslateEntryPrintsItsForms) {
-  EXPECT_EQ(FilledTranslateEntry("file", "files", true, {"Datei", "Dateien"}).toString(),
-            "[TranslateEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files"
-            "\n\t Translation[0]: Datei\n\t Translation[1]: Dateien");
-  const std::string single = FilledTranslateEntry("file", "", false, {"Datei"}).toString();
-  EXPECT_EQ(single, "[TranslateEntry]\n\t Singular:\t\t file\n\t Translation:\t Datei");
-  EXPECT_EQ(FilledTranslateEntry("x", "", false, {""}).toString(),
-            "[TranslateEntry]\n\t Singular:\t\t x\n\t Translation:\t ");
+// The plural line needs both the flag and the text; one form prints unnumbered.
+TEST(Entry, TranslateEntryPrintsItsFieldsAndForms) {
+  const std::string head = "[TranslateEntry]\n\t Singular:\t\t ";
+  const std::pair<FilledTranslateEntry, std::string> kCases[] = {
+      {{"file", "files", false, {}}, head + "file"},
+      {{"file", "", true, {}}, head + "file"},
+      {{"", "files", true, {}}, "[TranslateEntry]\n\t Plural:\t\t files"},
+      {{"file", "files", true, {"Datei", "Dateien"}},
+       head + "file\n\t Plural:\t\t files\n\t Translation[0]: Datei\n\t Translation[1]: Dateien"},
+      {{"file", "", false, {"Datei"}}, head + "file\n\t Translation:\t Datei"},
+      {{"x", "", false, {""}}, head + "x\n\t Translation:\t "},
+  };
+  for (const auto& [entry, expected] : kCases) EXPECT_EQ(entry.toString(), expected);
 }
 
 TEST(Entry, CopiesCarryEveryFieldAndTheClassName) {

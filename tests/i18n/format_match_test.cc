@@ -15,13 +15,21 @@ namespace {
 
 using I18N::I18nUtils;
 
-TEST(FormatMatch, ReordersAndRepeats) {
+TEST(FormatMatch, PositionsReorderRepeatAndSkip) {
   EXPECT_EQ(I18nUtils::formatMatch("%s1 sent %d2 messages", "Ann", 3), "Ann sent 3 messages");
   EXPECT_EQ(I18nUtils::formatMatch("%d2 Nachrichten von %s1", "Ann", 3), "3 Nachrichten von Ann");
   EXPECT_EQ(I18nUtils::formatMatch("%s1 and %s1", "x"), "x and x");
   // The first placeholder of a position decides how the argument is read.
   EXPECT_EQ(I18nUtils::formatMatch("%s1 %d1", "x"), "x x");
-  EXPECT_EQ(I18nUtils::formatMatch("[%-6s2|%3d1|%s2]", 7, "ab"), "[ab    |  7|ab    ]");  // a repeat gets the first text
+  // A repeat gets the first placeholder's text.
+  EXPECT_EQ(I18nUtils::formatMatch("[%-6s2|%3d1|%s2]", 7, "ab"), "[ab    |  7|ab    ]");
+  EXPECT_EQ(I18nUtils::formatMatch("%d1 %d12", 7), "7 %d12");
+  // Positions 2 and 3 only: index 0 is skipped, position 2 takes the first
+  // argument and position 3 is never filled.
+  EXPECT_EQ(I18nUtils::formatMatch("%d2-%d3", 5, 6), "5-%d3");
+  // "01" and "1" are the same position, but only the digits of the first
+  // placeholder are replaced.
+  EXPECT_EQ(I18nUtils::formatMatch("%d01 %d1", 9), "9 %d1");
 }
 
 TEST(FormatMatch, LeavesUnrecognisedTextAlone) {
@@ -33,16 +41,6 @@ TEST(FormatMatch, LeavesUnrecognisedTextAlone) {
   EXPECT_EQ(I18nUtils::formatMatch("100%%d1", 5), "100%5");
   EXPECT_EQ(I18nUtils::formatMatch(nullptr), "");
   EXPECT_EQ(I18nUtils::formatMatch("%d99999999999 %d1", 4), "%d99999999999 4");
-}
-
-TEST(FormatMatch, PositionDigitsAndGaps) {
-  EXPECT_EQ(I18nUtils::formatMatch("%d1 %d12", 7), "7 %d12");
-  // Positions 2 and 3 only: index 0 is skipped, position 2 takes the first
-  // argument and position 3 is never filled.
-  EXPECT_EQ(I18nUtils::formatMatch("%d2-%d3", 5, 6), "5-%d3");
-  // "01" and "1" are the same position, but only the digits of the first
-  // placeholder are replaced.
-  EXPECT_EQ(I18nUtils::formatMatch("%d01 %d1", 9), "9 %d1");
 }
 
 TEST(FormatMatch, ReadsArgumentsByLengthAndConversion) {

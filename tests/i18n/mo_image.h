@@ -31,13 +31,9 @@ inline std::vector<unsigned char> BuildImage(const std::vector<RawMessage>& mess
   const uint32_t sources = 28;
   const uint32_t targets = sources + 8 * n;
   std::vector<unsigned char> image(targets + 8 * n);
-  PutWord(image, 0, 0x950412de, bigEndian);
-  PutWord(image, 4, revision, bigEndian);
-  PutWord(image, 8, n, bigEndian);
-  PutWord(image, 12, sources, bigEndian);
-  PutWord(image, 16, targets, bigEndian);
-  PutWord(image, 20, 0, bigEndian);
-  PutWord(image, 24, 0, bigEndian);
+  // Magic, revision, count, the two table offsets, an empty hash table.
+  const uint32_t header[] = {0x950412de, revision, n, sources, targets, 0, 0};
+  for (uint32_t i = 0; i < 7; ++i) PutWord(image, 4 * i, header[i], bigEndian);
   auto append = [&](const std::string& text, uint32_t descriptor) {
     PutWord(image, descriptor, static_cast<uint32_t>(text.size()), bigEndian);
     PutWord(image, descriptor + 4, static_cast<uint32_t>(image.size()), bigEndian);

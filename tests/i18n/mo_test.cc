@@ -37,14 +37,16 @@ MO FromImage(const std::vector<unsigned char>& image, std::function<int(int)> ru
 // Expected answers are the msgstr texts of tests/data/i18n/de.po.
 void ExpectGermanAnswers(const MO& mo) {
   ASSERT_TRUE(mo.getIsInited());
-  EXPECT_EQ(mo.translate("Open", ""), "Öffnen");
-  EXPECT_EQ(mo.translate("Open", "menu"), "Öffnen…");
-  EXPECT_EQ(mo.translate("Close", ""), "Schließen");
-  EXPECT_EQ(mo.translate("Close", "toolbar"), "Zu");
-  EXPECT_EQ(mo.translate("Close", "menu"), "Close");
-  EXPECT_EQ(mo.translate("Line one\nLine two", ""), "Zeile eins\nZeile zwei");
-  EXPECT_EQ(mo.translate("Tab\there", ""), "Tab\thier");
-  EXPECT_EQ(mo.translate("file", ""), "Datei");
+  const struct {
+    const char *message, *context, *expected;
+  } kCases[] = {
+      {"Open", "", "Öffnen"},    {"Open", "menu", "Öffnen…"}, {"Close", "", "Schließen"},
+      {"Close", "toolbar", "Zu"}, {"Close", "menu", "Close"},  {"file", "", "Datei"},
+      {"Line one\nLine two", "", "Zeile eins\nZeile zwei"},   {"Tab\there", "", "Tab\thier"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(mo.translate(c.message, c.context), c.expected) << c.context << "|" << c.message;
+  }
   EXPECT_EQ(mo.translatePlural("file", "files", 1, ""), "Datei");
   for (int n : {0, 2, -5, 1000}) EXPECT_EQ(mo.translatePlural("file", "files", n, ""), "Dateien");
   EXPECT_EQ(mo.translatePlural("message", "messages", 1, "mailbox"), "Nachricht");
@@ -127,7 +129,7 @@ TEST(MoCatalog, LoadMoFileResults) {
   EXPECT_FALSE(none.getIsInited());
 }
 
-TEST(MoCatalog, EmptyImageIsAcceptedAndEveryLookupFallsBack) {
+TEST(MoCatalog, EmptyImagesAndKeys) {
   const MO mo = FromImage(BuildImage({}));
   EXPECT_TRUE(mo.getIsInited());
   EXPECT_EQ(mo.getHeadersInfo(), "");
@@ -136,16 +138,14 @@ TEST(MoCatalog, EmptyImageIsAcceptedAndEveryLookupFallsBack) {
   EXPECT_EQ(mo.translatePlural("file", "files", 0, ""), "files");
   const MO uninitialised;
   EXPECT_EQ(uninitialised.translatePlural("file", "files", -1, "x"), "files");
-}
-
-TEST(MoCatalog, HeaderIsCutAtNulAndASecondEmptyKeyIsAMessage) {
-  const MO mo = FromImage(BuildImage({
+  // The header is cut at a NUL; a second empty key is a message.
+  const MO headed = FromImage(BuildImage({
       {"", "Language: de\n" + kNul + "ignored"},
       {"", "second" + kNul + "seconds"},
   }));
-  EXPECT_EQ(mo.getHeadersInfo(), "Language: de\n");
-  EXPECT_EQ(mo.translate("", ""), "second");
-  EXPECT_EQ(mo.translatePlural("", "x", 3, ""), "seconds");
+  EXPECT_EQ(headed.getHeadersInfo(), "Language: de\n");
+  EXPECT_EQ(headed.translate("", ""), "second");
+  EXPECT_EQ(headed.translatePlural("", "x", 3, ""), "seconds");
 }
 
 TEST(MoCatalog, ContextKeys) {
@@ -186,7 +186,7 @@ TEST(MoCatalog, PluralFormsAndFallbacks) {
   EXPECT_EQ(FromImage(image, nullptr, 2).selectPluralForm(-1), 1u);
 }
 
-TEST(MoCatalog, TranslationsSplitIntoForms) {
+TEST(MoCatalog, TranslationsSplitIntoFormsAndTheLaterDuplicateWins) {
   const MO mo = FromImage(BuildImage({
       {"empty", ""},
       {"one" + kNul + "ones", "eins" + kNul},
@@ -197,15 +197,12 @@ TEST(MoCatalog, TranslationsSplitIntoForms) {
   EXPECT_EQ(mo.translatePlural("empty", "empties", 2, ""), "empties");
   EXPECT_EQ(mo.translatePlural("one", "ones", 2, ""), "ones");  // a trailing NUL adds no form
   EXPECT_EQ(mo.translatePlural("two", "twos", 2, ""), "");      // two NULs add an empty form
-}
-
-TEST(MoCatalog, LaterDuplicateKeyWinsWhateverItsPlural) {
-  const MO mo = FromImage(BuildImage({
+  const MO duplicated = FromImage(BuildImage({
       {"file" + kNul + "files", "A" + kNul + "As"},
       {"file" + kNul + "filez", "B"},
   }));
-  EXPECT_EQ(mo.translate("file", ""), "B");
-  EXPECT_EQ(mo.translatePlural("file", "files", 2, ""), "files");
+  EXPECT_EQ(duplicated.translate("file", ""), "B");
+  EXPECT_EQ(duplicated.translatePlural("file", "files", 2, ""), "files");
 }
 
 TEST(MoCatalog, CopiesOutliveTheOriginal) {
@@ -273,7 +270,9 @@ TEST(MoCatalog, HostileHeadersAndDescriptorsAreRefused) {
   auto exact = BuildImage({{"Open", "Auf"}});
   exact.pop_back();
   EXPECT_EQ(FromImage(exact).translate("Open", ""), "Auf");
-  for (size_t size = 0; size < 28; ++size) EXPECT_FALSE(FromImage({valid.begin(), valid.begin() + size}).getIsInited());
+  for (size_t size = 0; size < 28; ++size) {
+    EXPECT_FALSE(FromImage({valid.begin(), valid.begin() + size}).getIsInited()) << size;
+  }
 }
 
 TEST(MoCatalog, RandomlyCorruptedImagesNeverReadOutOfBounds) {
