@@ -1,4 +1,5 @@
 // The strict UTF-8/wide conversions and the string digest of StringUtils.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -7,6 +8,7 @@
 #include "common/md5.h"
 #include "common/string_utils.h"
 #include "platform/utf8_codec.h"
+#include "platform/utf8_run_encoder.h"
 
 namespace tessel {
 namespace {
@@ -23,6 +25,31 @@ constexpr char32_t kMaxWideCodePoint =
 constexpr std::size_t kEncodeBlock = 2048;  // wide elements
 
 [[noreturn]] void ThrowBadConversion() { throw std::range_error("bad conversion"); }
+
+// Encodes `count` elements into out (room for four bytes each) and returns the
+// bytes written; throws on an element that is not a scalar value.
+std::size_t EncodeStrictly(const wchar_t* text, std::size_t count, char* out) {
+  std::size_t i = 0;
+  std::size_t written = 0;
+  while (true) {
+    const tessel_platform::RunEncoding run =
+        tessel_platform::EncodeBmpRun(text + i, count - i, out + written);
+    i += run.consumed;
+    written += run.written;
+    if (i == count) return written;
+    const auto value = static_cast<std::uint32_t>(text[i++]);
+    if (value - 0xD800 < 0x800 || value > kMaxCodePoint) ThrowBadConversion();
+    written += tessel_platform::EncodeUtf8(value, out + written);
+  }
+}
+
+// The result's size foreseen from the first block (`bytes` from `count` of
+// `total` elements), with a sixteenth to spare: text that keeps to one script
+// is then converted without the string growing.
+std::size_t EstimatedSize(std::size_t bytes, std::size_t count, std::size_t total) {
+  const std::uint64_t rest = static_cast<std::uint64_t>(total - count) * bytes / count;
+  return static_cast<std::size_t>(bytes + rest + rest / 16);
+}
 
 }  // namespace
 
@@ -51,26 +78,18 @@ std::wstring StringUtils::s2ws(const std::string& text) {
 }
 
 std::string StringUtils::ws2s(const std::wstring& text) {
-  const tessel_platform::WideScan scan = tessel_platform::ScanWide(text.data(), text.size());
-  if (!scan.all_scalar) ThrowBadConversion();
-  // Encoded block by block on the stack and appended, so that the result's
-  // pages are written once.
   std::string result;
-  result.reserve(scan.utf8_bound);
   const wchar_t* element = text.data();
   const wchar_t* const end = element + text.size();
+  // Encoded block by block on the stack and appended, so that the input is
+  // read once and the result's pages are written once.
   char block[4 * kEncodeBlock];  // at most four bytes per element
   while (element < end) {
-    const wchar_t* const block_end =
-        end - element > static_cast<std::ptrdiff_t>(kEncodeBlock) ? element + kEncodeBlock : end;
-    char* out = block;
-    while (element < block_end) {
-      const tessel_platform::EncodeStep step =
-          tessel_platform::EncodeScalarStep(element, block_end, out);
-      element += step.consumed;
-      out += step.written;
-    }
-    result.append(block, static_cast<std::size_t>(out - block));
+    const std::size_t count = std::min<std::size_t>(kEncodeBlock, end - element);
+    const std::size_t bytes = EncodeStrictly(element, count, block);
+    element += count;
+    if (result.empty()) result.reserve(EstimatedSize(bytes, count, text.size()));
+    result.append(block, bytes);
   }
   return result;
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "platform/utf8_codec.h"
+#include "platform/utf8_run_encoder.h"
 
 namespace tessel_platform {
 namespace transcoder {
@@ -72,15 +73,12 @@ std::size_t Utf16ToUtf8(const wchar_t* text, std::size_t length, char* out) {
   char* const first = out;
   const wchar_t* p = text;
   const wchar_t* const end = text + length;
-  while (p < end) {
-    const std::uint32_t unit = Unit(*p);
-    if (unit - 0xD800 >= 0x800 && unit <= 0xFFFF) {
-      const EncodeStep step = EncodeScalarStep(p, end, out);
-      p += step.consumed;
-      out += step.written;
-      continue;
-    }
-    ++p;
+  while (true) {
+    const RunEncoding run = EncodeBmpRun(p, static_cast<std::size_t>(end - p), out);
+    p += run.consumed;
+    out += run.written;
+    if (p == end) break;
+    const std::uint32_t unit = Unit(*p++);
     char32_t code_point = kReplacementCharacter;
     if (IsHighSurrogate(unit) && p < end && IsLowSurrogate(Unit(*p))) {
       code_point = kFirstSupplementary + ((unit - 0xD800) << 10) + (Unit(*p++) - 0xDC00);

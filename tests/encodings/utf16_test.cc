@@ -159,6 +159,28 @@ TEST(Utf8ToUtf16, MatchesReferenceOnRandomStrings) {
   }
 }
 
+// `length` elements in runs of 1 to 24: runs of ASCII, runs of any element
+// of `pool` below U+D800, and runs of any element of `pool`, so that long
+// ASCII stretches, mixed scripts and the rest meet at every alignment.
+std::wstring RandomRuns(std::mt19937& random, std::size_t length,
+                        const std::vector<wchar_t>& pool) {
+  std::uniform_int_distribution<std::size_t> run_length(1, 24);
+  std::uniform_int_distribution<int> kind(0, 2);
+  std::uniform_int_distribution<std::size_t> pick(0, pool.size() - 1);
+  std::wstring text;
+  while (text.size() < length) {
+    const int run_kind = kind(random);
+    for (std::size_t n = run_length(random); n > 0; --n) {
+      wchar_t element = pool[pick(random)];
+      if (run_kind == 0) element = static_cast<wchar_t>(0x20 + element % 0x5F);
+      if (run_kind == 1 && static_cast<unsigned long>(element) >= 0xD800) element = 0x4E2D;
+      text += element;
+    }
+  }
+  text.resize(length);
+  return text;
+}
+
 // UTF-16 units to code points, each unpaired surrogate taken as U+FFFD.
 std::vector<long> ReferenceCodePoints(const std::wstring& units) {
   std::vector<long> code_points;
@@ -179,12 +201,10 @@ std::vector<long> ReferenceCodePoints(const std::wstring& units) {
 
 TEST(Utf16ToUtf8, MatchesReferenceOnLongRandomUnits) {
   std::mt19937 random(5);
-  const wchar_t kPool[] = {L'a', 0x7F, 0x80, 0x7FF, 0x800, 0x4E2D, 0xD7FF, 0xD800,
-                           0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFD, 0xFFFF};
-  std::uniform_int_distribution<std::size_t> pick(0, sizeof kPool / sizeof kPool[0] - 1);
+  const std::vector<wchar_t> pool = {L'a', 0x7F, 0x80, 0x7FF, 0x800, 0x4E2D, 0xD7FF, 0xD800,
+                                     0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFD, 0xFFFF};
   for (int i = 0; i < 40; ++i) {
-    std::wstring units(20000, L'\0');
-    for (wchar_t& unit : units) unit = kPool[pick(random)];
+    const std::wstring units = RandomRuns(random, 20000, pool);
     ASSERT_EQ(ToUtf8(units), ReferenceUtf8(ReferenceCodePoints(units))) << "case " << i;
   }
 }
@@ -325,6 +345,30 @@ TEST(StrictConversion, Ws2sRejectsSurrogatesAndValuesBeyondUnicode) {
   }
   for (wchar_t bad : bad_elements) ExpectBadConversion(std::wstring{L'a', bad});
   EXPECT_EQ(StringUtils::ws2s(std::wstring{0xFEFF}), "\xEF\xBB\xBF");
+}
+
+TEST(StrictConversion, Ws2sMatchesReferenceOnLongRandomTexts) {
+  std::mt19937 random(11);
+  std::vector<wchar_t> pool = {L'a', 0x7F, 0x80, 0x7FF, 0x800, 0x4E2D, 0xD7FF, 0xE000, 0xFFFF};
+  std::vector<wchar_t> bad = {static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0xDFFF)};
+  if (kLargestElement > 0xFFFF) {
+    pool.insert(pool.end(), {static_cast<wchar_t>(0x10000), static_cast<wchar_t>(0x10FFFF)});
+    bad.insert(bad.end(), {static_cast<wchar_t>(0x110000), static_cast<wchar_t>(-1)});
+  }
+  std::uniform_int_distribution<std::size_t> length(0, 9000);
+  for (int i = 0; i < 60; ++i) {
+    std::wstring text = RandomRuns(random, length(random), pool);
+    ASSERT_EQ(StringUtils::ws2s(text), ReferenceUtf8({text.begin(), text.end()})) << "case " << i;
+    if (text.empty()) continue;
+    text[std::uniform_int_distribution<std::size_t>(0, text.size() - 1)(random)] =
+        bad[static_cast<std::size_t>(i) % bad.size()];
+    ExpectBadConversion(text);
+  }
+  // A text whose script changes after its start: the result outgrows what
+  // its first part foretold.
+  const std::wstring changing = std::wstring(3000, L'a') + std::wstring(30000, 0x4E2D);
+  EXPECT_EQ(StringUtils::ws2s(changing),
+            std::string(3000, 'a') + ReferenceUtf8(std::vector<long>(30000, 0x4E2D)));
 }
 
 }  // namespace
