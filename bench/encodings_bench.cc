@@ -3,6 +3,7 @@
 // iconv, s2ws/ws2s against std::wstring_convert.
 #include <benchmark/benchmark.h>
 #include <iconv.h>
+#include <malloc.h>
 
 #include <codecvt>
 #include <locale>
@@ -21,6 +22,16 @@
 namespace {
 
 constexpr std::size_t kInputSize = 64u << 20;
+
+// Fixed thresholds: with glibc's adaptive ones, whether a fresh 64 MiB result
+// (s2ws, ws2s and their peer) is mmap'd afresh on every iteration, its page
+// faults included, depends on which benchmark ran before, and on this virtual
+// machine the faults cost more than the conversion.
+const bool kFixedMallocThresholds = [] {
+  mallopt(M_MMAP_THRESHOLD, 256 << 20);
+  mallopt(M_TRIM_THRESHOLD, 512 << 20);
+  return true;
+}();
 
 // Random bytes without NUL (StringUtils::md5 stops at the first NUL).
 const std::string& Binary() {
