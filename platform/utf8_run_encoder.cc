@@ -112,7 +112,9 @@ __attribute__((target("ssse3"))) RunEncoding EncodeBmpRunSsse3(const wchar_t* te
     written += gather.length;
     ascii_groups = index == 0 ? ascii_groups + 1 : 0;
     if (ascii_groups >= 2) {
-      // Four ASCII elements: a run of ASCII text goes on eight at a time.
+      // Two groups of ASCII in a row: ASCII text, which goes on eight
+      // elements at a time (waiting for the second group keeps short words
+      // between other characters off this path).
       const std::size_t ascii = EncodeAsciiEights(text + i + 4, length - i - 4, out + written);
       i += ascii;
       written += ascii;
