@@ -65,8 +65,17 @@ std::size_t Utf8ToUtf16(const char* text, std::size_t length, wchar_t* out) {
   return Utf8ToUtf16Units<true>(text, length, out);
 }
 
+// Each element counted as the code point it holds (above U+FFFF as four
+// bytes): exact for valid text, and enough when U+FFFD replaces surrogates or
+// elements beyond UTF-16.
 std::size_t Utf8LengthOfUtf16(const wchar_t* text, std::size_t length) {
-  return ScanWide(text, length).utf8_bound;
+  std::size_t extra = 0;
+  // Branch-free, so that the compiler can vectorise it.
+  for (std::size_t i = 0; i < length; ++i) {
+    const std::uint32_t value = Unit(text[i]);
+    extra += static_cast<std::size_t>(value >= 0x80) + (value >= 0x800) + (value >= 0x10000);
+  }
+  return length + extra;
 }
 
 std::size_t Utf16ToUtf8(const wchar_t* text, std::size_t length, char* out) {

@@ -93,27 +93,6 @@ inline std::size_t DecodeUtf8(const unsigned char* p, const unsigned char* end,
   return length;
 }
 
-// An upper bound of the UTF-8 bytes for wide elements taken as code points
-// (each element above U+FFFF counted as four bytes): exact for valid scalar
-// values, and enough when surrogates or invalid elements become U+FFFD.
-// `all_scalar` tells whether every element is a Unicode scalar value.
-struct WideScan {
-  std::size_t utf8_bound;
-  bool all_scalar;
-};
-
-inline WideScan ScanWide(const wchar_t* text, std::size_t length) {
-  std::size_t extra = 0;
-  std::uint32_t bad = 0;
-  // Branch-free, so that the compiler can vectorise it.
-  for (std::size_t i = 0; i < length; ++i) {
-    const std::uint32_t value = static_cast<std::uint32_t>(text[i]);
-    extra += static_cast<std::size_t>(value >= 0x80) + (value >= 0x800) + (value >= 0x10000);
-    bad |= static_cast<std::uint32_t>(value - 0xD800 < 0x800) | (value > 0x10FFFF);
-  }
-  return {length + extra, bad == 0};
-}
-
 // Writes the UTF-8 form of a scalar value (at most U+10FFFF) to out and
 // returns its length.
 inline std::size_t EncodeUtf8(char32_t code_point, char* out) {
