@@ -7,6 +7,7 @@
 
 #include "platform/file_system.h"
 #include "platform/mime_types.h"
+#include "platform/path_component.h"
 
 namespace tessel {
 namespace FileUtils {
@@ -46,9 +47,7 @@ void formalizePath(std::string& path, bool appendSlash) {
 }
 
 std::string lastPathComponent(const std::string& path) {
-  std::string component = path.substr(FinalComponentStart(path));
-  if (!component.empty() && component.back() == '/') component.pop_back();
-  return component;
+  return tessel_platform::ComponentFrom(path, FinalComponentStart(path), '/');
 }
 
 std::string fileNameFromfilePath(const std::string& path) {

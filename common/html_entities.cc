@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "common/html_entities_table.h"
+#include "platform/utf8_codec.h"
 
 namespace {
 
@@ -33,29 +34,6 @@ const HtmlEntity* FindNamedEntity(const char* text) {
     }
   }
   return nullptr;
-}
-
-size_t EncodeUtf8(uint32_t c, char* out) {
-  if (c < 0x80) {
-    out[0] = static_cast<char>(c);
-    return 1;
-  }
-  if (c < 0x800) {
-    out[0] = static_cast<char>(0xC0 + (c >> 6));
-    out[1] = static_cast<char>(0x80 + (c & 0x3F));
-    return 2;
-  }
-  if (c < 0x10000) {
-    out[0] = static_cast<char>(0xE0 + (c >> 12));
-    out[1] = static_cast<char>(0x80 + ((c >> 6) & 0x3F));
-    out[2] = static_cast<char>(0x80 + (c & 0x3F));
-    return 3;
-  }
-  out[0] = static_cast<char>(0xF0 + (c >> 18));
-  out[1] = static_cast<char>(0x80 + ((c >> 12) & 0x3F));
-  out[2] = static_cast<char>(0x80 + ((c >> 6) & 0x3F));
-  out[3] = static_cast<char>(0x80 + (c & 0x3F));
-  return 4;
 }
 
 // Reads the number of a numeric reference with strtoul; true, with the value
@@ -87,7 +65,7 @@ size_t DecodeReference(const char* amp, const char* semicolon, char* out) {
   const bool hex = amp[2] == 'x' || amp[2] == 'X';
   uint32_t code = 0;
   if (!ReadCodePoint(amp + (hex ? 3 : 2), hex ? 16 : 10, semicolon, &code)) return 0;
-  return EncodeUtf8(code, out);
+  return tessel_platform::EncodeUtf8(code, out);
 }
 
 // The first ";" after a position. The positions asked about only grow, so a

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "common/string_utils.h"
+#include "platform/hex_digits.h"
 
 namespace tessel {
 
@@ -18,9 +19,8 @@ uint64_t Draw64(std::random_device& device) {
 
 // Writes the low `digits` nibbles of `value`, most significant first.
 char* WriteHex(char* out, uint64_t value, int digits) {
-  static const char kDigits[] = "0123456789abcdef";
   for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) {
-    *out++ = kDigits[(value >> shift) & 15];
+    *out++ = tessel_platform::kLowerHexDigits[(value >> shift) & 15];
   }
   return out;
 }

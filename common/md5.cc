@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/file_system.h"
+#include "platform/hex_digits.h"
 
 namespace tessel {
 namespace {
@@ -171,14 +172,12 @@ void Md5::Finish(unsigned char digest[kDigestSize]) {
 }
 
 void Md5::FinishHex(char* out) {
-  static const char kDigits[] = "0123456789ABCDEF";
   unsigned char digest[kDigestSize];
   Finish(digest);
-  for (std::size_t i = 0; i < kDigestSize; ++i) {
-    out[2 * i] = kDigits[digest[i] >> 4];
-    out[2 * i + 1] = kDigits[digest[i] & 15];
+  for (const unsigned char byte : digest) {
+    out = tessel_platform::WriteHexByte(byte, tessel_platform::kUpperHexDigits, out);
   }
-  out[2 * kDigestSize] = '\0';
+  *out = '\0';
 }
 
 int MD5_String(const char* data, unsigned int length, char* out) {

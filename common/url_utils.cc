@@ -6,12 +6,15 @@
 #include <cstddef>
 
 #include "common/string_utils.h"
+#include "platform/hex_digits.h"
+#include "platform/path_component.h"
 
 namespace tessel {
 
 namespace {
 
 using Params = std::unordered_map<std::string, std::string>;
+using tessel_platform::HexDigitValue;
 
 const char kFileScheme[] = "file:///";
 constexpr size_t kFileSchemeLength = sizeof kFileScheme - 1;
@@ -34,15 +37,6 @@ constexpr std::array<bool, 256> MakeEscapeTable() {
 }
 
 constexpr std::array<bool, 256> kEscaped = MakeEscapeTable();
-const char kHexDigits[] = "0123456789abcdef";
-
-// The value of a hexadecimal digit, or -1.
-int HexValue(unsigned char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 // sscanf's white space in the "C" locale.
 bool IsScanSpace(unsigned char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -65,8 +59,8 @@ bool ScanHexByte(const char* p, const char* end, unsigned char* byte) {
   }
   unsigned value = 0;
   bool any_digit = false;
-  for (; p != stop && HexValue(static_cast<unsigned char>(*p)) >= 0; ++p) {
-    value = value * 16 + static_cast<unsigned>(HexValue(static_cast<unsigned char>(*p)));
+  for (; p != stop && HexDigitValue(static_cast<unsigned char>(*p)) >= 0; ++p) {
+    value = value * 16 + static_cast<unsigned>(HexDigitValue(static_cast<unsigned char>(*p)));
     any_digit = true;
   }
   if (!any_digit) return false;
@@ -101,8 +95,7 @@ std::string StringUtils::url_encode(const std::string& text) {
       continue;
     }
     *out++ = '%';
-    *out++ = kHexDigits[byte >> 4];
-    *out++ = kHexDigits[byte & 15];
+    out = tessel_platform::WriteHexByte(byte, tessel_platform::kLowerHexDigits, out);
   }
   encoded.resize(static_cast<size_t>(out - encoded.data()));
   return encoded;
@@ -222,14 +215,8 @@ std::string StringUtils::relativePath2Path(const std::string& absolute_path,
 }
 
 std::string StringUtils::lastPathComponent(const std::string& path, char separator) {
-  const size_t size = path.size();
-  if (size < 2) return path;
-  const bool ends_with_separator = path[size - 1] == separator;
-  for (size_t i = size - 2; i >= 1; --i) {
-    if (path[i] == separator) {
-      const size_t start = i + 1;
-      return path.substr(start, size - start - (ends_with_separator ? 1 : 0));
-    }
+  for (size_t i = path.size() < 2 ? 0 : path.size() - 2; i >= 1; --i) {
+    if (path[i] == separator) return tessel_platform::ComponentFrom(path, i + 1, separator);
   }
   return path;
 }

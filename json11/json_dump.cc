@@ -12,6 +12,7 @@
 #include "json11/double_text.h"
 #include "json11/json11.h"
 #include "json11/json_value.h"
+#include "platform/hex_digits.h"
 
 namespace json11 {
 
@@ -92,7 +93,7 @@ char* WriteShortPlain(const std::string& text, char* out) {
 }
 
 void Quote(const std::string& value, std::string& out) {
-  static const char kHexDigits[] = "0123456789abcdef";
+  constexpr const char* kHexDigits = tessel_platform::kLowerHexDigits;
   out.push_back('"');
   const char* const end = value.data() + value.size();
   const char* run = value.data();

@@ -15,6 +15,7 @@
 #include "json11/byte_scan.h"
 #include "json11/json11.h"
 #include "json11/json_value.h"
+#include "platform/hex_digits.h"
 
 namespace json11 {
 
@@ -37,13 +38,6 @@ constexpr StringStopTable kStringStop;
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsWhitespace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
 
 bool IsHighSurrogate(long cp) { return cp >= 0xD800 && cp <= 0xDBFF; }
 bool IsLowSurrogate(long cp) { return cp >= 0xDC00 && cp <= 0xDFFF; }
@@ -302,7 +296,7 @@ bool JsonParser::ParseString(std::string& out) {
       const size_t available = std::min<size_t>(4, end_ - p_);
       long cp = 0;
       for (size_t i = 0; i < 4; ++i) {
-        const int digit = i < available ? HexValue(p_[i]) : -1;
+        const int digit = i < available ? tessel_platform::HexDigitValue(static_cast<unsigned char>(p_[i])) : -1;
         if (digit < 0) {
           Fail("bad \\u escape: " + std::string(p_, available));
           return false;

@@ -93,8 +93,8 @@ inline std::size_t DecodeUtf8(const unsigned char* p, const unsigned char* end,
   return length;
 }
 
-// Writes the UTF-8 form of a scalar value (at most U+10FFFF) to out and
-// returns its length.
+// Writes the UTF-8 form of a code point (at most U+10FFFF) to out and returns
+// its length, 1 to 4. A surrogate code point gets the three-byte form.
 inline std::size_t EncodeUtf8(char32_t code_point, char* out) {
   if (code_point < 0x80) {
     out[0] = static_cast<char>(code_point);

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "support/table.h"
 #include "temp_dir.h"
 
 namespace {
@@ -25,11 +26,7 @@ TEST(FileUtilsPath, FormalizesSeparators) {
   EXPECT_EQ(Formalized("", true), "");
 }
 
-// fn(input) == expected for every {input, expected}.
-template <typename Fn>
-void ExpectEach(Fn fn, std::initializer_list<std::pair<std::string, std::string>> cases) {
-  for (const auto& [input, expected] : cases) EXPECT_EQ(fn(input), expected) << "[" << input << "]";
-}
+using test_table::ExpectEach;
 
 TEST(FileUtilsPath, SplitsTheFinalComponent) {
   ExpectEach(FileUtils::lastPathComponent,

@@ -18,7 +18,7 @@
 
 #include "common/string_utils.h"
 #include "support/scoped_time_zone.h"
-#include "table.h"
+#include "support/table.h"
 
 namespace {
 
@@ -26,8 +26,8 @@ using tessel::StringUtils;
 using Pieces = std::vector<std::string>;
 
 using test_support::ScopedTimeZone;
-using text_test::ExpectEach;
-using text_test::ExpectEach2;
+using test_table::ExpectEach;
+using test_table::ExpectEach2;
 
 TEST(IntToString, MatchesStreamPaddingForEveryWidthUpTo200) {
   // Widths 1-9 pad with zeros after the sign, 10 and more with spaces.

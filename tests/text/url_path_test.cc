@@ -12,14 +12,14 @@
 #include <vector>
 
 #include "common/string_utils.h"
-#include "table.h"
+#include "support/table.h"
 
 namespace {
 
 using tessel::StringUtils;
 using Params = std::unordered_map<std::string, std::string>;
-using text_test::ExpectEach;
-using text_test::ExpectEach2;
+using test_table::ExpectEach;
+using test_table::ExpectEach2;
 
 TEST(UrlEncode, EveryByteAgainstTheUnreservedSet) {
   for (int i = 0; i < 256; ++i) {

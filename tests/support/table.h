@@ -1,6 +1,6 @@
-// Table-driven checks for the text tests; a failure names the case's inputs.
-#ifndef TESSEL_TESTS_TEXT_TABLE_H_
-#define TESSEL_TESTS_TEXT_TABLE_H_
+// Table-driven checks of pure functions; a failure names the case's inputs.
+#ifndef TESSEL_TESTS_SUPPORT_TABLE_H_
+#define TESSEL_TESTS_SUPPORT_TABLE_H_
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-namespace text_test {
+namespace test_table {
 
 // fn(input) == expected for every {input, expected}.
 template <typename Expected = std::string, typename Fn>
@@ -26,6 +26,6 @@ void ExpectEach2(Fn fn,
   }
 }
 
-}  // namespace text_test
+}  // namespace test_table
 
-#endif  // TESSEL_TESTS_TEXT_TABLE_H_
+#endif  // TESSEL_TESTS_SUPPORT_TABLE_H_
