@@ -13,6 +13,7 @@
 #include "common/html_entities.h"
 #include "common/html_entities_table.h"
 #include "common/pinyin.h"
+#include "platform/utf8_codec.h"
 // The library keeps its entity table hidden; the naive decoder below uses a
 // copy of the same generated data.
 #include "common/html_entities_table.cc"
@@ -42,26 +43,6 @@ const std::string& DenseText() {
   return text;
 }
 
-size_t AppendUtf8(unsigned long c, char* out) {
-  if (c < 0x80) return out[0] = static_cast<char>(c), 1;
-  if (c < 0x800) {
-    out[0] = static_cast<char>(0xC0 | (c >> 6));
-    out[1] = static_cast<char>(0x80 | (c & 0x3F));
-    return 2;
-  }
-  if (c < 0x10000) {
-    out[0] = static_cast<char>(0xE0 | (c >> 12));
-    out[1] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out[2] = static_cast<char>(0x80 | (c & 0x3F));
-    return 3;
-  }
-  out[0] = static_cast<char>(0xF0 | (c >> 18));
-  out[1] = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-  out[2] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-  out[3] = static_cast<char>(0x80 | (c & 0x3F));
-  return 4;
-}
-
 // The straightforward decoder: one byte at a time, a fresh search for ";" at
 // each "&", a linear scan of the names.
 size_t NaiveDecode(char* dest, const char* in) {
@@ -79,7 +60,9 @@ size_t NaiveDecode(char* dest, const char* in) {
       errno = 0;
       char* stop = nullptr;
       const unsigned long c = std::strtoul(in + (hex ? 3 : 2), &stop, hex ? 16 : 10);
-      if (errno == 0 && stop == semicolon && c < 0x110000) written = AppendUtf8(c, out);
+      if (errno == 0 && stop == semicolon && c < 0x110000) {
+        written = tessel_platform::EncodeUtf8(static_cast<char32_t>(c), out);
+      }
       errno = saved;
     } else if (semicolon != nullptr) {
       for (const auto& row : kHtmlEntities) {

@@ -50,6 +50,16 @@ def source_line(source, version):
     return f"{SOURCE_MARK}{source} {version}"
 
 
+def cc_source(header, include, namespaces, definition, trailer=()):
+    """The text of a generated C++ source: the header comment lines, one
+    include, then inside the namespaces the definition's lines (a brace-
+    initialised array, closed here) and the trailer's."""
+    opening = [f"namespace {name} {{" for name in namespaces]
+    closing = [f"}}  // namespace {name}" for name in reversed(namespaces)]
+    return "\n".join([*header, f'#include "{include}"', "", *opening, "", *definition,
+                      "};", "", *trailer, *closing, ""])
+
+
 def recorded_source(text):
     for line in text.splitlines():
         if line.startswith(SOURCE_MARK):
