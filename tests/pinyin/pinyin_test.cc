@@ -78,15 +78,6 @@ TEST(Pinyin, UnlistedCodeInsideTheRangeGivesHash) {
   EXPECT_EQ(Initials(L"中\u4DC0\u3008国"), "Z##G");
 }
 
-TEST(Pinyin, ConvertsAgainAfterClearCache) {
-  EXPECT_EQ(Pinyin(L"中国"), "ZhongGuo");
-  clearCache();
-  clearCache();
-  EXPECT_EQ(Pinyin(L"中国"), "ZhongGuo");
-  clearCache();
-  EXPECT_EQ(Initials(L"中国"), "ZG");
-}
-
 TEST(Pinyin, LeavesTheTextUnchanged) {
   std::wstring text = L"中国abc";
   pinYinConvert(text);
