@@ -16,6 +16,7 @@
 #include "json11/json11.h"
 #include "json11/json_value.h"
 #include "platform/hex_digits.h"
+#include "platform/utf8_codec.h"
 
 namespace json11 {
 
@@ -44,27 +45,7 @@ bool IsLowSurrogate(long cp) { return cp >= 0xDC00 && cp <= 0xDFFF; }
 
 void AppendUtf8(long cp, std::string& out) {
   char bytes[4];
-  size_t n;
-  if (cp < 0x80) {
-    bytes[0] = static_cast<char>(cp);
-    n = 1;
-  } else if (cp < 0x800) {
-    bytes[0] = static_cast<char>(0xC0 | (cp >> 6));
-    bytes[1] = static_cast<char>(0x80 | (cp & 0x3F));
-    n = 2;
-  } else if (cp < 0x10000) {
-    bytes[0] = static_cast<char>(0xE0 | (cp >> 12));
-    bytes[1] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    bytes[2] = static_cast<char>(0x80 | (cp & 0x3F));
-    n = 3;
-  } else {
-    bytes[0] = static_cast<char>(0xF0 | (cp >> 18));
-    bytes[1] = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-    bytes[2] = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    bytes[3] = static_cast<char>(0x80 | (cp & 0x3F));
-    n = 4;
-  }
-  out.append(bytes, n);
+  out.append(bytes, tessel_platform::EncodeUtf8(static_cast<char32_t>(cp), bytes));
 }
 
 // "'x' (120)" for printable ASCII, "(code)" otherwise; the code is the byte
