@@ -1,56 +1,16 @@
 // Catalog images crafted to make a load expensive: strings that share bytes,
 // and keys that share a home slot under the standard library's string hash.
-// The heap is measured by replacing the global allocation functions in this
-// test program; the library's allocations reach them wherever the platform
-// binds the library's operator new to the program's.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
 #include <functional>
-#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "i18n/heap_peak.h"
 #include "i18n/mo.h"
 #include "i18n/mo_image.h"
-
-namespace {
-
-std::atomic<bool> gCounting{false};
-std::atomic<size_t> gLive{0};
-std::atomic<size_t> gPeak{0};
-// Each block starts with the number of bytes it added to gLive (0 when it was
-// allocated while not counting).
-constexpr size_t kPrefix = alignof(std::max_align_t);
-
-}  // namespace
-
-void* operator new(size_t size) {
-  void* block = std::malloc(size + kPrefix);
-  if (block == nullptr) throw std::bad_alloc();
-  size_t counted = 0;
-  if (gCounting.load(std::memory_order_relaxed)) {
-    counted = size;
-    const size_t now = gLive.fetch_add(size) + size;
-    size_t peak = gPeak.load();
-    while (now > peak && !gPeak.compare_exchange_weak(peak, now)) {
-    }
-  }
-  *static_cast<size_t*>(block) = counted;
-  return static_cast<char*>(block) + kPrefix;
-}
-
-void operator delete(void* pointer) noexcept {
-  if (pointer == nullptr) return;
-  char* block = static_cast<char*>(pointer) - kPrefix;
-  gLive.fetch_sub(*reinterpret_cast<size_t*>(block));
-  std::free(block);
-}
-
-void operator delete(void* pointer, size_t) noexcept { operator delete(pointer); }
 
 namespace I18N {
 
@@ -72,21 +32,12 @@ class MOIndexInspector {
 
 namespace {
 
+using heap_peak::PeakHeapBytes;
 using I18N::MO;
 using i18n_test::BuildImage;
 using i18n_test::GermanRule;
 using i18n_test::PutWord;
 using i18n_test::RawMessage;
-
-// Heap bytes held at the peak of `work`, beyond those held when it started.
-size_t PeakHeapBytes(const std::function<void()>& work) {
-  gLive = 0;
-  gPeak = 0;
-  gCounting = true;
-  work();
-  gCounting = false;
-  return gPeak;
-}
 
 MO FromImage(const std::vector<unsigned char>& image) {
   return MO(image.data(), image.size(), GermanRule, 2);
