@@ -143,21 +143,6 @@ std::string_view keyOf(std::string_view source) {
   return source.substr(start, end - start);
 }
 
-// Form `index` of a translation cut at every NUL, where a NUL that ends the
-// translation starts no further form; false when there are fewer forms.
-bool formAt(std::string_view translation, unsigned int index, std::string_view& form) {
-  size_t start = 0;
-  for (unsigned int i = 0;; ++i) {
-    const size_t end = translation.find(MO::PLURAL_SEPARATOR, start);
-    if (i == index) {
-      form = translation.substr(start, end == std::string_view::npos ? end : end - start);
-      return true;
-    }
-    if (end == std::string_view::npos || end + 1 >= translation.size()) return false;
-    start = end + 1;
-  }
-}
-
 // A message record: three native 32-bit words, then the key, then the
 // translation, whose first form the second word measures.
 constexpr size_t kRecordHeader = 12;
@@ -174,6 +159,21 @@ RecordView viewRecord(const char* record) {
   const char* key = record + kRecordHeader;
   return RecordView{std::string_view(key, words[0]), std::string_view(key + words[0], words[1]),
                     std::string_view(key + words[0], words[2])};
+}
+
+// Form `index` of a record's translation cut at every NUL, where a NUL that
+// ends the translation starts no further form; false when there are fewer
+// forms. Form 0 is measured in the record; the walk starts after it.
+bool formAt(const RecordView& record, unsigned int index, std::string_view& form) {
+  form = record.form;
+  const std::string_view translation = record.translation;
+  for (size_t end = form.size(); index > 0; --index) {
+    if (end + 1 >= translation.size()) return false;
+    const size_t start = end + 1;
+    end = std::min(translation.find(MO::PLURAL_SEPARATOR, start), translation.size());
+    form = translation.substr(start, end - start);
+  }
+  return true;
 }
 
 size_t slotCountFor(size_t entries) {
@@ -423,7 +423,7 @@ std::string MO::translatePlural(std::string singular, std::string plural, int n,
   const char* record = find(singular, context);
   const unsigned int index = selectPluralForm(n);
   std::string_view form;
-  if (record != nullptr && formAt(viewRecord(record).translation, index, form)) {
+  if (record != nullptr && formAt(viewRecord(record), index, form)) {
     return std::string(form);
   }
   return n == 1 ? singular : plural;
