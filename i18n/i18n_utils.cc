@@ -27,11 +27,7 @@ I18nUtils::I18nUtils() : moMap(nullptr) {
   moMap.store(published.back().get(), std::memory_order_release);
 }
 
-I18nUtils::I18nUtils(const I18nUtils& other) : moMap(nullptr) {
-  published.push_back(
-      std::make_unique<const Catalogs>(*other.moMap.load(std::memory_order_acquire)));
-  moMap.store(published.back().get(), std::memory_order_release);
-}
+I18nUtils::I18nUtils(const I18nUtils& other) : I18nUtils() { *this = other; }
 
 I18nUtils& I18nUtils::operator=(const I18nUtils& other) {
   if (this != &other) {

@@ -119,14 +119,16 @@ class TESSEL_API MO {
   std::string headersInfo;
   // The messages, one record each: three native 32-bit words (key length,
   // form-0 length, translation length), the key (Entry::getKey), then the
-  // translation with its forms still separated by NULs. Every byte comes from
-  // a distinct byte of the image, so the records are bounded by its size.
+  // translation with its forms still separated by NULs. The parse refuses
+  // images whose strings add up to more than the image, so the records are
+  // bounded by its size.
   std::string records;
   // Linear-probing index over `records`: a power-of-two size at least twice
   // the message count, probed at most kMaxProbe slots from a key's home.
   std::vector<Slot> slots;
-  // Seed of the keyed hash the index was built with: drawn per process, and
-  // drawn again if a build ever exceeds the probe bound.
+  // Seed of the keyed hash the index was built with: derived from a
+  // per-process secret for each parse, and drawn again if the index is
+  // rebuilt.
   uint64_t seed;
 };
 
