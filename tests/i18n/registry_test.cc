@@ -130,27 +130,6 @@ TEST_F(Registry, DestroyTwiceThenAFreshRegistry) {
   EXPECT_EQ(I18nUtils::getInstance(), I18nUtils::getInstance());
 }
 
-TEST_F(Registry, ConcurrentLookupsAgree) {
-  registry().addMO(CompiledCatalog("de", "big"), GermanRule, 2, "de");
-  const int kThreads = 4;
-  std::vector<std::future<int>> workers;
-  for (int t = 0; t < kThreads; ++t) {
-    workers.push_back(std::async(std::launch::async, [] {
-      int wrong = 0;
-      I18nUtils* shared = I18nUtils::getInstance();
-      for (int i = 0; i < 2000; ++i) {
-        wrong += shared->xgettext("Open", "menu", "de") != "Öffnen…";
-        wrong += shared->ngettext("file", "files", i, "de") != (i == 1 ? "Datei" : "Dateien");
-      }
-      return wrong;
-    }));
-  }
-  for (auto& worker : workers) {
-    ASSERT_EQ(worker.wait_for(std::chrono::seconds(60)), std::future_status::ready);
-    EXPECT_EQ(worker.get(), 0);
-  }
-}
-
 // The UI thread switches the language of a domain back and forth, removes it
 // and clears the table, while workers translate in it: every answer belongs to
 // one whole catalog or to none, and a catalog fetched before the switches
