@@ -12,11 +12,13 @@
 #include <future>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "common/date_time.h"
+#include "common/string_utils.h"
 #include "support/scoped_time_zone.h"
 
 namespace {
@@ -194,6 +196,52 @@ TEST(DateTimeUtc, DocumentedMonthExample) {
   // Windows' C runtime converts no time before 1970.
   EXPECT_EQ(DateTime(-1).description(),
             test_support::kOnWindows ? "DateTime(-1)" : "1969/12/31 23:59:59");
+}
+
+// 67767976233532799 is 2147483647-12-31 23:59:59 UTC (days from the civil
+// date by Howard Hinnant's algorithm, checked against glibc's gmtime_r, which
+// also takes the next second and gives it a tm_year whose full year is
+// beyond INT_MAX).
+TEST(DateTimeUtc, YearsBeyondIntAreNotConvertible) {
+  TESSEL_SKIP_ON_WINDOWS("Windows' C runtime converts no time after the year 3000");
+  ScopedTimeZone utc("UTC");
+  const DateTime last(67767976233532799LL);
+  EXPECT_EQ(last.description(), "2147483647/12/31 23:59:59");
+  EXPECT_EQ(last.components().year(), INT_MAX);
+  const DateTime beyond(67767976233532800LL);
+  EXPECT_EQ(beyond.description(), "DateTime(67767976233532800)");
+  EXPECT_EQ(beyond.components().year(), 1899);  // every field reads -1
+  EXPECT_EQ(last.addMonthsCopy(1), DateTime(-1));
+  DateTimeComponents c = last.components();
+  c.setSecond(60);  // normalises into the year after INT_MAX
+  EXPECT_EQ(DateTime(c), DateTime(-1));
+  c.setYear(INT_MIN);
+  EXPECT_EQ(c.year(), INT_MIN);
+  EXPECT_EQ(DateTime(c), DateTime(-1));
+  c.setMonth(INT_MIN);
+  EXPECT_EQ(c.month(), INT_MIN);
+}
+
+// Far in the future a double product of seconds and 10^7 is no longer exact;
+// the printed second must still be the one given, as the C library prints
+// it.
+TEST(DateTimeUtc, OuputDateFrom1979KeepsFarFutureSecondsExact) {
+  TESSEL_SKIP_ON_WINDOWS("Windows' C runtime converts no time after the year 3000");
+  ScopedTimeZone utc("UTC");
+  const long long kLast = LLONG_MAX / 10000000;  // the last second whose ticks fit
+  for (long long value = kLast; value > 115000000000LL; value -= 6287462339LL) {
+    const time_t t = static_cast<time_t>(value);
+    const std::tm* fields = std::gmtime(&t);  // no other thread converts
+    ASSERT_NE(fields, nullptr);
+    char expected[64];
+    std::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S", fields);
+    std::ostringstream out;
+    tessel::StringUtils::OuputDateFrom1979(out, value, "%Y-%m-%d %H:%M:%S");
+    EXPECT_EQ(out.str(), expected) << value;
+  }
+  std::ostringstream out;
+  tessel::StringUtils::OuputDateFrom1979(out, kLast + 1, "%Y");
+  EXPECT_EQ(out.str(), "");
 }
 
 // ---- Properties that hold in every zone --------------------------------------
