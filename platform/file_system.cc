@@ -2,6 +2,7 @@
 // the path.
 #include "platform/file_system.h"
 
+#include <atomic>
 #include <cstddef>
 #include <limits>
 #include <system_error>
@@ -27,6 +28,23 @@ fs::path FinalLinkTarget(const fs::path& path) {
     current = target.is_absolute() ? target : current.parent_path() / target;
   }
   return fs::path();
+}
+
+fs::path ReplacementTarget(const std::string& path, std::string* failure) {
+  fs::path named;
+  if (!StrictNativePath(path, &named)) {
+    *failure = "unusable path";
+    return fs::path();
+  }
+  fs::path target = FinalLinkTarget(named);
+  if (target.empty()) *failure = "symbolic link loop";
+  return target;
+}
+
+fs::path TemporarySibling(const fs::path& target, unsigned long process_id) {
+  static std::atomic<unsigned long> counter{0};
+  return target.parent_path() / (".tessel-" + std::to_string(process_id) + "-" +
+                                 std::to_string(++counter) + ".tmp");
 }
 
 bool AddressSpaceHolds(long long length) {

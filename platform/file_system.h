@@ -95,6 +95,17 @@ bool CopyRegularFile(const std::string& from, const std::string& to);
 bool WriteFileAtomically(const std::string& path, const char* data, std::size_t length,
                          std::string* failure);
 
+// The two steps every system's WriteFileAtomically shares. The file a
+// replacement of `path` writes: `path` taken strictly, links followed; empty,
+// with the reason in *failure, when there is none.
+std::filesystem::path ReplacementTarget(const std::string& path, std::string* failure);
+// A name in the directory of `target` for the new file: fixed-length, so a
+// long target name still fits, and unique to this process (`process_id`) and
+// call, so only a writer on another system sharing the directory can clash;
+// the caller creates it exclusively and asks again on a clash.
+std::filesystem::path TemporarySibling(const std::filesystem::path& target,
+                                       unsigned long process_id);
+
 // The system's temporary directory as the system spells it; empty when there
 // is none.
 std::string TemporaryDirectory();

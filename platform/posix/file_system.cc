@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <system_error>
@@ -51,24 +50,9 @@ bool Fail(std::string* failure, const std::string& step) {
   return false;
 }
 
-bool Refuse(std::string* failure, const char* reason) {
-  *failure = reason;
-  return false;
-}
-
-// A name beside the target that no other writer in this system picks (the
-// process and a per-process count); O_EXCL settles clashes across systems
-// that share the directory. Fixed-length, so a long target name still fits.
-std::string TemporaryName(const std::filesystem::path& target) {
-  static std::atomic<unsigned long> counter{0};
-  const std::string name =
-      ".tessel-" + std::to_string(getpid()) + "-" + std::to_string(++counter) + ".tmp";
-  return (target.parent_path() / name).string();
-}
-
 int CreateTemporary(const std::filesystem::path& target, std::string* name) {
   for (int attempt = 0; attempt < 100; ++attempt) {
-    *name = TemporaryName(target);
+    *name = TemporarySibling(target, static_cast<unsigned long>(getpid())).string();
     const int fd = open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd >= 0 || errno != EEXIST) return fd;
   }
@@ -142,14 +126,15 @@ std::int64_t FileModifyTime(const std::string& path) {
 
 bool WriteFileAtomically(const std::string& path, const char* data, std::size_t length,
                          std::string* failure) {
-  std::filesystem::path named;
-  if (!StrictNativePath(path, &named)) return Refuse(failure, "unusable path");
-  const std::filesystem::path target = FinalLinkTarget(named);
-  if (target.empty()) return Refuse(failure, "symbolic link loop");
+  const std::filesystem::path target = ReplacementTarget(path, failure);
+  if (target.empty()) return false;
   struct stat existing;
   const bool exists = stat(target.c_str(), &existing) == 0;
   // A device, FIFO or directory is not replaced by a file.
-  if (exists && !S_ISREG(existing.st_mode)) return Refuse(failure, "not a regular file");
+  if (exists && !S_ISREG(existing.st_mode)) {
+    *failure = "not a regular file";
+    return false;
+  }
   std::string name;
   const int fd = CreateTemporary(target, &name);
   if (fd < 0) return Fail(failure, "create " + name);

@@ -8,7 +8,6 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <system_error>
 #include <vector>
 
@@ -45,23 +44,9 @@ bool Fail(std::string* failure, const std::string& step) {
   return false;
 }
 
-bool Refuse(std::string* failure, const char* reason) {
-  *failure = reason;
-  return false;
-}
-
-// A fixed-length name beside the target that no other writer on this system
-// picks (the process and a per-process count); CREATE_NEW settles clashes.
-std::wstring TemporaryName(const std::filesystem::path& target) {
-  static std::atomic<unsigned long> counter{0};
-  const std::wstring name = L".tessel-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                            std::to_wstring(++counter) + L".tmp";
-  return (target.parent_path() / name).wstring();
-}
-
 HANDLE CreateTemporary(const std::filesystem::path& target, std::wstring* name) {
   for (int attempt = 0; attempt < 100; ++attempt) {
-    *name = TemporaryName(target);
+    *name = TemporarySibling(target, GetCurrentProcessId()).wstring();
     const HANDLE file = CreateFileW(name->c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS) return file;
@@ -139,13 +124,14 @@ std::int64_t FileModifyTime(const std::string& path) {
 
 bool WriteFileAtomically(const std::string& path, const char* data, std::size_t length,
                          std::string* failure) {
-  std::filesystem::path named;
-  if (!StrictNativePath(path, &named)) return Refuse(failure, "unusable path");
-  const std::filesystem::path target = FinalLinkTarget(named);
-  if (target.empty()) return Refuse(failure, "symbolic link loop");
+  const std::filesystem::path target = ReplacementTarget(path, failure);
+  if (target.empty()) return false;
   const DWORD attributes = GetFileAttributesW(target.c_str());
   const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
-  if (exists && (attributes & FILE_ATTRIBUTE_DIRECTORY)) return Refuse(failure, "a directory");
+  if (exists && (attributes & FILE_ATTRIBUTE_DIRECTORY)) {
+    *failure = "a directory";
+    return false;
+  }
   std::wstring name;
   const HANDLE file = CreateTemporary(target, &name);
   if (file == INVALID_HANDLE_VALUE) return Fail(failure, "create");
