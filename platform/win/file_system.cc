@@ -1,9 +1,9 @@
 // Windows parts of the file-system layer: UTF-8 paths are handed to the
 // system's wide-character calls in their UTF-16 form; times come from
 // GetFileAttributesExW, moves and replacements from MoveFileExW, copies from
-// CopyFileW, the temporary directory from GetTempPathW. Paths are not prefixed with "\\?\",
-// so the system's limit of 260 units applies unless the host process is
-// long-path aware.
+// CopyFileW, the temporary directory from GetTempPathW. Paths are not
+// prefixed with "\\?\", so the system's limit of 260 units applies unless the
+// host process is long-path aware.
 #include "platform/file_system.h"
 
 #include <windows.h>

@@ -4,12 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
-#include <vector>
 
 class TempDirTest : public ::testing::Test {
  protected:
@@ -33,16 +31,6 @@ class TempDirTest : public ::testing::Test {
   static std::string Slurp(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  }
-
-  // The names in the directory, sorted.
-  std::vector<std::string> Entries() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(dir_)) {
-      names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
   }
 
   // Bytes 0, 1, 2, ... 250, 0, 1, ...: no two chunks alike.
