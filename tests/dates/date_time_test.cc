@@ -229,9 +229,9 @@ TEST(DateTimeUtc, OuputDateFrom1979KeepsFarFutureSecondsExact) {
   for (long long value = kLast; value > 115000000000LL; value -= 6287462339LL) {
     const time_t t = static_cast<time_t>(value);
     char expected[64];
-    std::strftime(expected, sizeof expected, "%F %T", std::gmtime(&t));  // one thread
+    std::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S", std::gmtime(&t));
     std::ostringstream out;
-    tessel::StringUtils::OuputDateFrom1979(out, value, "%F %T");
+    tessel::StringUtils::OuputDateFrom1979(out, value, "%Y-%m-%d %H:%M:%S");
     EXPECT_EQ(out.str(), expected) << value;
   }
   std::ostringstream out;
