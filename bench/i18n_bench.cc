@@ -1,15 +1,20 @@
 // Lookup rate and load time of a 6,000-message catalog: this library's
 // registry against the C library's dcgettext/dcngettext, on the same MO file
-// compiled by msgfmt and installed in a private locale tree.
+// compiled by msgfmt and installed in a private locale tree. Then load and miss
+// times of a catalog whose keys were crafted against an unseeded hash, beside
+// the same number of plain keys.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 #include <libintl.h>
 
 #include <clocale>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "i18n/i18n_utils.h"
@@ -207,6 +212,68 @@ void BM_Glibc_FirstLookup(benchmark::State& state) {
   }
 }
 
+// Catalogs of 8,000 messages built in memory: plain keys, and keys whose
+// standard string hashes all fall into one window of 256 slots of a 16,384-slot
+// index, the shape that made an unseeded linear-probing table quadratic to
+// load and linear to miss in. The two should cost the same.
+struct Flood {
+  std::vector<unsigned char> image;
+  std::vector<std::string> misses;
+};
+
+std::vector<unsigned char> ImageOf(const std::vector<std::string>& keys) {
+  const uint32_t n = static_cast<uint32_t>(keys.size());
+  std::vector<unsigned char> image(28 + 16 * n);
+  auto put = [&image](size_t at, uint32_t value) {
+    for (int i = 0; i < 4; ++i) image[at + i] = static_cast<unsigned char>(value >> (8 * i));
+  };
+  const uint32_t header[] = {0x950412de, 0, n, 28, 28 + 8 * n, 0, 0};
+  for (uint32_t i = 0; i < 7; ++i) put(4 * i, header[i]);
+  for (uint32_t i = 0; i < n; ++i) {
+    for (const uint32_t table : {28u, 28 + 8 * n}) {  // the key translates to itself
+      put(table + 8 * i, static_cast<uint32_t>(keys[i].size()));
+      put(table + 8 * i + 4, static_cast<uint32_t>(image.size()));
+      image.insert(image.end(), keys[i].begin(), keys[i].end());
+      image.push_back(0);
+    }
+  }
+  return image;
+}
+
+// The first 8,000 keys that pass the filter are the messages, the next 1,000
+// the misses.
+Flood BuildFlood(bool crafted) {
+  Flood made;
+  std::vector<std::string> keys;
+  for (size_t i = 0; made.misses.size() < 1000; ++i) {
+    std::string key = "Message number " + std::to_string(i);
+    if (crafted && (std::hash<std::string_view>()(key) & 16383) >= 256) continue;
+    (keys.size() < 8000 ? keys : made.misses).push_back(std::move(key));
+  }
+  made.image = ImageOf(keys);
+  return made;
+}
+
+const Flood& FloodCatalog(bool crafted) {
+  static const Flood plain = BuildFlood(false);
+  static const Flood craftedKeys = BuildFlood(true);
+  return crafted ? craftedKeys : plain;
+}
+
+void BM_Ours_LoadFlood(benchmark::State& state, bool crafted) {
+  const Flood& c = FloodCatalog(crafted);
+  for (auto _ : state) {
+    I18N::MO catalog(c.image.data(), c.image.size(), TwoForms, 2);
+    benchmark::DoNotOptimize(catalog);
+  }
+}
+
+void BM_Ours_MissFlood(benchmark::State& state, bool crafted) {
+  const Flood& c = FloodCatalog(crafted);
+  const I18N::MO catalog(c.image.data(), c.image.size(), TwoForms, 2);
+  Cycle(state, c.misses.size(), [&](size_t i) { return catalog.translate(c.misses[i], ""); });
+}
+
 BENCHMARK_CAPTURE(BM_Ours_Gettext, hit, true);
 BENCHMARK_CAPTURE(BM_Glibc_Dcgettext, hit, true);
 BENCHMARK_CAPTURE(BM_Ours_Gettext, miss, false);
@@ -217,6 +284,10 @@ BENCHMARK(BM_Ours_Ngettext);
 BENCHMARK(BM_Glibc_Dcngettext);
 BENCHMARK(BM_Ours_Load)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Glibc_FirstLookup)->Unit(benchmark::kMicrosecond)->Iterations(400);
+BENCHMARK_CAPTURE(BM_Ours_LoadFlood, plain, false)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_Ours_LoadFlood, crafted, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_Ours_MissFlood, plain, false);
+BENCHMARK_CAPTURE(BM_Ours_MissFlood, crafted, true);
 
 }  // namespace
 

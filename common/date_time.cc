@@ -42,6 +42,16 @@ long long WrappingMul(long long a, long long b) {
                                 static_cast<unsigned long long>(b));
 }
 
+// The stored month and year are offsets of the ones callers see; a value
+// near the ends of int wraps instead of overflowing, so each setter and its
+// accessor still give back what was set. A year that wraps is beyond what
+// the local-time conversions take, so nothing converts it.
+int WrappingOffset(int value, int offset) {
+  return static_cast<int>(static_cast<unsigned>(value) + static_cast<unsigned>(offset));
+}
+
+constexpr int kYearBase = 1900;
+
 std::tm LocalFields(long long seconds) {
   std::tm fields{};
   tessel_platform::ToLocalTime(seconds, &fields);
@@ -70,7 +80,8 @@ bool SameDate(const std::tm& a, const std::tm& b) {
 }
 
 // Adds `months` to the month field, carrying whole years into the year field
-// as the conversion's normalisation would. False when the year leaves int.
+// as the conversion's normalisation would. False when the full year leaves
+// int.
 bool AddToMonth(std::tm* fields, int months) {
   const long long month = static_cast<long long>(fields->tm_mon) + months;
   long long years = month / 12;
@@ -80,7 +91,7 @@ bool AddToMonth(std::tm* fields, int months) {
     --years;
   }
   const long long year = fields->tm_year + years;
-  if (year < std::numeric_limits<int>::min() || year > std::numeric_limits<int>::max()) {
+  if (year < std::numeric_limits<int>::min() || year > tessel_platform::kMaxTmYear) {
     return false;
   }
   fields->tm_year = static_cast<int>(year);
@@ -103,8 +114,8 @@ int DateTimeComponents::second() const { return fields_[kSecond]; }
 int DateTimeComponents::minute() const { return fields_[kMinute]; }
 int DateTimeComponents::hour() const { return fields_[kHour]; }
 int DateTimeComponents::day() const { return fields_[kDay]; }
-int DateTimeComponents::month() const { return fields_[kMonth] + 1; }
-int DateTimeComponents::year() const { return fields_[kYear] + 1900; }
+int DateTimeComponents::month() const { return WrappingOffset(fields_[kMonth], 1); }
+int DateTimeComponents::year() const { return WrappingOffset(fields_[kYear], kYearBase); }
 int DateTimeComponents::weekDay() const { return fields_[kWeekDay]; }
 int DateTimeComponents::yearDay() const { return fields_[kYearDay]; }
 bool DateTimeComponents::isDayLightSavingTime() const { return fields_[kDaylightSaving] > 0; }
@@ -113,8 +124,8 @@ void DateTimeComponents::setSecond(int second) { fields_[kSecond] = second; }
 void DateTimeComponents::setMinutes(int minute) { fields_[kMinute] = minute; }
 void DateTimeComponents::setHour(int hour) { fields_[kHour] = hour; }
 void DateTimeComponents::setDay(int day) { fields_[kDay] = day; }
-void DateTimeComponents::setMonth(int month) { fields_[kMonth] = month - 1; }
-void DateTimeComponents::setYear(int year) { fields_[kYear] = year - 1900; }
+void DateTimeComponents::setMonth(int month) { fields_[kMonth] = WrappingOffset(month, -1); }
+void DateTimeComponents::setYear(int year) { fields_[kYear] = WrappingOffset(year, -kYearBase); }
 
 void DateTimeComponents::resetTime() {
   fields_[kSecond] = fields_[kMinute] = fields_[kHour] = 0;
@@ -201,7 +212,8 @@ DateTime DateTime::monthStart() const {
 DateTime DateTime::monthLastDate() const {
   std::tm fields = LocalFields(seconds_);
   const long long first = StartOfMonth(&fields);
-  const long long days = monthDayCount(fields.tm_year + 1900, fields.tm_mon + 1);
+  const long long days =
+      monthDayCount(WrappingOffset(fields.tm_year, kYearBase), WrappingOffset(fields.tm_mon, 1));
   return DateTime(WrappingAdd(first, WrappingMul(days - 1, kDayInSec)));
 }
 

@@ -24,7 +24,9 @@ TESSEL_API extern const long long kWeekInSec;    // 604800
 // since 1900, weekday 0 = Sunday, day of year 0-365, daylight-saving flag).
 // Obtained from DateTime::components(); a field that the conversion could not
 // fill reads -1. Setters store without validating and do not update weekday,
-// day of year or the flag; DateTime(components) normalises.
+// day of year or the flag; DateTime(components) normalises. The month and
+// year offsets wrap at the ends of int rather than overflow, so setYear(y)
+// then year() gives y back for every int.
 class TESSEL_API DateTimeComponents {
  public:
   int second() const;
@@ -63,6 +65,8 @@ class TESSEL_API DateTimeComponents {
 // overflow (adding to future() gives a large negative count). Operations that
 // go through local time treat a count that the platform cannot convert as
 // broken-down fields of -1; a conversion back that fails gives the count -1.
+// A moment whose full year does not fit an int (after 2147483647-12-31
+// local) is one the platform cannot convert, both ways.
 class TESSEL_API DateTime {
  public:
   // The count 0 (1970-01-01 00:00:00 UTC), not the current time.

@@ -60,8 +60,8 @@ class TESSEL_API File {
   // or an unreadable file: an empty string and 0.
   std::string readChunk(long long index, long long* length);
 
-  // Creates or truncates the file and writes `length` bytes from `data` (see
-  // FileUtils::writeFile). Returns 0.
+  // Replaces the file's contents with `length` bytes from `data` in one step,
+  // creating it when absent (see FileUtils::writeFile). Returns 0.
   long long write(const char* data, long long length);
 
  private:

@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 
+#include "common/logger.h"
 #include "platform/file_system.h"
 #include "platform/mime_types.h"
 #include "platform/path_component.h"
@@ -87,9 +88,10 @@ long long readFile(const std::string& path, char** out) {
   *out = nullptr;
   std::ifstream stream;
   const long long length = OpenForReading(path, stream);
-  if (length < 0) return 0;
+  if (!tessel_platform::AddressSpaceHolds(length)) return 0;
   std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(length)]);
   stream.read(buffer.get(), length);
+  if (stream.bad()) return 0;
   *out = buffer.release();
   return static_cast<long long>(stream.gcount());
 }
@@ -104,18 +106,27 @@ long long readChunkFromFile(const std::string& path, long long index, std::strin
   std::ifstream stream;
   const long long size = OpenForReading(path, stream);
   if (size < 0 || start >= size) return 0;
-  std::string chunk(static_cast<std::size_t>(std::min(length, size - start)), '\0');
+  const long long count = std::min(length, size - start);
+  if (!tessel_platform::AddressSpaceHolds(count)) return 0;
+  std::string chunk(static_cast<std::size_t>(count), '\0');
   stream.seekg(start);
   stream.read(&chunk[0], static_cast<std::streamsize>(chunk.size()));
+  if (stream.bad()) return 0;
   chunk.resize(static_cast<std::size_t>(stream.gcount()));
   out.swap(chunk);
   return static_cast<long long>(out.size());
 }
 
 long long writeFile(const char* data, long long length, const std::string& path) {
-  std::fstream stream(tessel_platform::NativePath(path),
-                      std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary);
-  if (stream && data != nullptr && length > 0) stream.write(data, length);
+  if (data == nullptr || length < 0) length = 0;
+  std::string failure;
+  if (!tessel_platform::AddressSpaceHolds(length)) {
+    failure = "length beyond the address space";
+  } else if (tessel_platform::WriteFileAtomically(path, data, static_cast<std::size_t>(length),
+                                                  &failure)) {
+    return 0;
+  }
+  Logger::sharedLogger()->debug("writeFile " + path + ": " + failure);
   return 0;
 }
 

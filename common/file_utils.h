@@ -49,24 +49,35 @@ TESSEL_API std::string tmpPath(const std::string& unused_first, const std::strin
 
 // Reads the whole regular file at `path` into a new buffer (array new, no
 // terminating NUL, owned by the caller who releases it with delete[]), stores
-// it in *out and returns its length. A file that cannot be opened, or that is
-// not a regular file, returns 0 and stores nullptr; a null `out` returns 0
-// and reads nothing. An empty file gives 0 and a buffer of length 0.
+// it in *out and returns its length. Returns 0 and stores nullptr when the
+// file cannot be opened, is not a regular file, is longer than this
+// process's address space can hold, or a read fails; a null `out` returns 0
+// and reads nothing. An empty file gives 0 and a buffer of length 0. Running
+// out of memory for a file that could fit throws std::bad_alloc.
 TESSEL_API long long readFile(const std::string& path, char** out);
 
 // Replaces `out` with chunk number `index` of the file at `path`: at most
 // `length` bytes from byte index * length (the last chunk is shorter), and
 // returns the number of bytes placed in `out`. Returns 0 and leaves `out`
 // empty when the start is at or beyond the end of the file, when `index` is
-// negative or `length` not positive, or when the file cannot be opened or is
-// not a regular file.
+// negative or `length` not positive, when the file cannot be opened or is
+// not a regular file, when the chunk is longer than the address space can
+// hold, or when a read fails.
 TESSEL_API long long readChunkFromFile(const std::string& path, long long index,
                                        std::string& out, long long length);
 
-// Creates or truncates the file at `path` and writes `length` bytes from
-// `data` unchanged. A negative length, or a null `data`, writes nothing (the
-// file is still created or truncated). Returns 0 in every case, also when the
-// file could not be opened or written.
+// Replaces the contents of the file at `path` with `length` bytes from `data`,
+// unchanged, creating the file when absent. The file holds either its old or
+// its new contents, never a mixture or a part: the bytes are written to a new
+// file beside it, flushed to stable storage and renamed over it in one step.
+// A symbolic link is followed and the file it names is replaced; that file's
+// permission bits are kept (so a write-only file can be rewritten too). A
+// negative length or a null `data` writes an empty file. Returns 0 in every
+// case; when the file could not be written, it is left exactly as it was, no
+// new file is left behind, and the reason goes to the shared logger as a
+// debug line (an exception thrown by the host's log sink reaches the
+// caller). Only a regular file, or a new one, is written: a device, FIFO or
+// directory at `path` is left alone.
 TESSEL_API long long writeFile(const char* data, long long length, const std::string& path);
 
 }  // namespace FileUtils

@@ -199,7 +199,10 @@ int MD5_File(const char* path, char* out) {
   unsigned char chunk[kFileChunk];
   std::size_t got;
   while ((got = std::fread(chunk, 1, sizeof chunk, file)) > 0) digest.Update(chunk, got);
+  // A read error must not pass for the end of the file.
+  const bool failed = std::ferror(file) != 0;
   std::fclose(file);
+  if (failed) return -1;
   digest.FinishHex(out);
   return 0;
 }

@@ -37,9 +37,9 @@ int MD5_String(const char* data, unsigned int length, char* out);
 
 // Digest of the contents of the regular file at `path` (the bytes are used as
 // the path as they are; links are followed), written like MD5_String. Returns
-// 0, or -1 when an argument is null or the path does not name a regular file
-// that can be opened for reading; `out` is then untouched. A read error ends
-// the reading as the end of the file does.
+// 0, or -1 when an argument is null, the path does not name a regular file
+// that can be opened for reading, or a read fails part-way; `out` is then
+// untouched.
 int MD5_File(const char* path, char* out);
 
 }  // namespace tessel

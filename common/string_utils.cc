@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 #include <iomanip>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 
@@ -227,13 +228,14 @@ std::string StringUtils::getDate() {
 void StringUtils::OuputDateFrom1979(std::ostringstream& out, long long seconds,
                                     const char* format) {
   if (format == nullptr) return;
-  // The value passes through the clock's 100 ns ticks in double precision;
-  // beyond the 64-bit tick range there is no tick count to pass through.
-  const double ticks = static_cast<double>(seconds) * 10000000.0;
-  if (!(ticks > -9.2233720368547758e18 && ticks < 9.2233720368547758e18)) return;
-  const long long whole_seconds = static_cast<long long>(ticks) / 10000000;
+  // The value passes through the clock's 100 ns ticks: in whole numbers a
+  // round trip gives every second back, so all that remains of it is the
+  // range, the seconds whose tick count fits 64 bits.
+  constexpr long long kTicksPerSecond = 10000000;
+  constexpr long long kMaxSeconds = std::numeric_limits<long long>::max() / kTicksPerSecond;
+  if (seconds < -kMaxSeconds || seconds > kMaxSeconds) return;
   std::tm local{};
-  if (!tessel_platform::ToLocalTime(whole_seconds, &local)) return;
+  if (!tessel_platform::ToLocalTime(seconds, &local)) return;
   out << std::put_time(&local, format);
 }
 

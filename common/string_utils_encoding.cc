@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <stdexcept>
 
 #include "common/md5.h"
@@ -103,8 +104,12 @@ std::basic_string<Out> ConvertInBlocks(const std::basic_string<In>& text, Conver
     const std::size_t written =
         convert(p, std::min<std::size_t>(kBlock, static_cast<std::size_t>(end - p)), end, buffer);
     if (result.empty()) {
-      result.reserve(EstimatedSize(written, static_cast<std::size_t>(p - block), text.size()));
+      result.reserve(std::min(
+          EstimatedSize(written, static_cast<std::size_t>(p - block), text.size()),
+          result.max_size()));
     }
+    // A result longer than a string can be is memory that cannot be had.
+    if (written > result.max_size() - result.size()) throw std::bad_alloc();
     result.append(buffer, written);
   }
   return result;

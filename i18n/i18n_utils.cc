@@ -22,9 +22,24 @@ std::string& orDefault(std::string& domain) {
 
 std::string I18nUtils::DEFAULT_DOMAIN = "default";
 
-I18nUtils::I18nUtils() = default;
-I18nUtils::I18nUtils(const I18nUtils& other) = default;
-I18nUtils& I18nUtils::operator=(const I18nUtils& other) = default;
+I18nUtils::I18nUtils() : moMap(nullptr) {
+  published.push_back(std::make_unique<const Catalogs>());
+  moMap.store(published.back().get(), std::memory_order_release);
+}
+
+I18nUtils::I18nUtils(const I18nUtils& other) : I18nUtils() { *this = other; }
+
+I18nUtils& I18nUtils::operator=(const I18nUtils& other) {
+  if (this != &other) {
+    const Catalogs* source = other.moMap.load(std::memory_order_acquire);
+    publish([source](Catalogs& table) {
+      table = *source;
+      return true;
+    });
+  }
+  return *this;
+}
+
 I18nUtils::~I18nUtils() = default;
 
 I18nUtils* I18nUtils::getInstance() {
@@ -44,6 +59,20 @@ void I18nUtils::destroyInstance() {
   delete instance.exchange(nullptr, std::memory_order_acq_rel);
 }
 
+void I18nUtils::publish(const std::function<bool(Catalogs&)>& edit) {
+  std::lock_guard<std::mutex> lock(publishMutex);
+  auto next = std::make_unique<Catalogs>(*moMap.load(std::memory_order_relaxed));
+  if (!edit(*next)) return;
+  published.push_back(std::move(next));
+  moMap.store(published.back().get(), std::memory_order_release);
+}
+
+const MO* I18nUtils::find(const std::string& domain) const {
+  const Catalogs& table = *moMap.load(std::memory_order_acquire);
+  const auto found = table.find(domain);
+  return found == table.end() ? nullptr : found->second.get();
+}
+
 void I18nUtils::addMO(unsigned char* data, std::function<int(int)> pluralExpression,
                       unsigned int nplurals, std::string domain) {
   if (data == nullptr) return;
@@ -57,18 +86,41 @@ void I18nUtils::addMO(std::string path, std::function<int(int)> pluralExpression
 }
 
 void I18nUtils::addMO(MO mo, std::string domain) {
-  moMap.insert_or_assign(std::move(orDefault(domain)), std::move(mo));
+  std::shared_ptr<const MO> catalog = std::make_shared<const MO>(std::move(mo));
+  orDefault(domain);
+  publish([&](Catalogs& table) {
+    table[domain] = std::move(catalog);
+    return true;
+  });
 }
 
 const MO& I18nUtils::getMO(std::string domain) {
-  return moMap.try_emplace(std::move(orDefault(domain))).first->second;
+  orDefault(domain);
+  if (const MO* present = find(domain)) return *present;
+  const MO* stored = nullptr;
+  publish([&](Catalogs& table) {
+    auto& slot = table[domain];
+    const bool absent = slot == nullptr;  // another thread may have bound it meanwhile
+    if (absent) slot = std::make_shared<const MO>();
+    stored = slot.get();
+    return absent;
+  });
+  return *stored;
 }
 
-bool I18nUtils::hasMO(std::string domain) const { return moMap.count(domain) != 0; }
+bool I18nUtils::hasMO(std::string domain) const { return find(domain) != nullptr; }
 
-void I18nUtils::removeMO(std::string domain) { moMap.erase(domain); }
+void I18nUtils::removeMO(std::string domain) {
+  publish([&](Catalogs& table) { return table.erase(domain) != 0; });
+}
 
-void I18nUtils::removeAllMO() { moMap.clear(); }
+void I18nUtils::removeAllMO() {
+  publish([](Catalogs& table) {
+    const bool any = !table.empty();
+    table.clear();
+    return any;
+  });
+}
 
 std::string I18nUtils::gettext(std::string message, std::string domain) const {
   return translate(std::move(message), std::string(), std::move(domain));
@@ -114,17 +166,16 @@ std::string I18nUtils::translateNooped(NoopEntry& entry, int n, std::string doma
 
 std::string I18nUtils::translate(std::string message, std::string context,
                                  std::string domain) const {
-  const auto found = moMap.find(domain);
-  if (found == moMap.end()) return message;
-  return found->second.translate(std::move(message), std::move(context));
+  const MO* catalog = find(domain);
+  if (catalog == nullptr) return message;
+  return catalog->translate(std::move(message), std::move(context));
 }
 
 std::string I18nUtils::translatePlural(std::string singular, std::string plural, int n,
                                        std::string context, std::string domain) const {
-  const auto found = moMap.find(domain);
-  if (found == moMap.end()) return n == 1 ? singular : plural;
-  return found->second.translatePlural(std::move(singular), std::move(plural), n,
-                                       std::move(context));
+  const MO* catalog = find(domain);
+  if (catalog == nullptr) return n == 1 ? singular : plural;
+  return catalog->translatePlural(std::move(singular), std::move(plural), n, std::move(context));
 }
 
 }  // namespace I18N

@@ -2,16 +2,23 @@
 // text domain, and the gettext-style front for translating texts: gettext,
 // xgettext (with context), ngettext (with plural), nxgettext (both), deferred
 // entries for texts whose count is known later, and the positional formatter
-// formatMatch. Every lookup degrades to the caller's own text. Creating and
-// destroying the instance is serialised; everything else takes no lock:
-// lookups may run on several threads at once while no thread registers,
-// fetches (getMO may insert), removes or destroys.
+// formatMatch. Every lookup degrades to the caller's own text.
+// Thread-safety: the registered catalogs form an immutable table that each
+// change replaces whole, so lookups, hasMO and getMO of a present domain take
+// no lock and may run on any thread while other threads register or remove
+// catalogs; the changes (addMO, getMO of an absent domain, removeMO,
+// removeAllMO, assignment) are serialised by a mutex. Only destroyInstance
+// must not overlap with any other use.
 #ifndef TESSEL_I18N_I18N_UTILS_H_
 #define TESSEL_I18N_I18N_UTILS_H_
 
+#include <atomic>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "common/tessel_export.h"
 #include "i18n/entry.h"
@@ -26,12 +33,16 @@ class TESSEL_API I18nUtils {
   // register catalogs.
   static std::string DEFAULT_DOMAIN;
 
-  // The single registry, created empty on first use. Never null.
+  // The single registry, created empty on first use. Never null. Concurrent
+  // first calls create one registry.
   static I18nUtils* getInstance();
-  // Deletes the registry with all its catalogs; harmless when there is none.
-  // Must not overlap with any use. A later getInstance() starts empty.
+  // Deletes the registry with every catalog it ever held, replaced and removed
+  // ones included; harmless when there is none. Must not overlap with any
+  // other use of the registry or of a catalog reference from getMO. A later
+  // getInstance() starts empty.
   static void destroyInstance();
 
+  // Copies share the catalogs, which never change once registered.
   I18nUtils(const I18nUtils& other);
   I18nUtils& operator=(const I18nUtils& other);
   virtual ~I18nUtils();
@@ -41,7 +52,10 @@ class TESSEL_API I18nUtils {
   // new one was not accepted: callers that care check getMO(d).getIsInited().
   // A null image or an empty path does nothing. The image must be well
   // formed (see MO); for images of unknown origin, build an MO with the sized
-  // constructor and register it with the third overload.
+  // constructor and register it with the third overload. The catalog is built
+  // before the registry's mutex is taken; lookups running meanwhile answer
+  // from the old catalog, later ones from the new. The replaced catalog is
+  // kept, unchanged, until destroyInstance.
   void addMO(unsigned char* data, std::function<int(int)> pluralExpression,
              unsigned int nplurals, std::string domain);
   void addMO(std::string path, std::function<int(int)> pluralExpression, unsigned int nplurals,
@@ -49,11 +63,14 @@ class TESSEL_API I18nUtils {
   void addMO(MO mo, std::string domain);
   // The catalog of `domain` (DEFAULT_DOMAIN when empty); an empty,
   // uninitialised catalog is stored there first when there is none. The
-  // reference is valid until the domain is replaced or removed, the table is
-  // cleared or the registry destroyed.
+  // reference stays valid, and the catalog unchanged, until the registry is
+  // destroyed, even after the domain is replaced or removed or the table
+  // cleared: the registry keeps every catalog it held until then.
   const MO& getMO(std::string domain);
   // Exact names: an empty name is not replaced by DEFAULT_DOMAIN here.
   bool hasMO(std::string domain) const;
+  // Unbind the domain, or every domain; the catalogs are kept until
+  // destroyInstance for readers that still use them.
   void removeMO(std::string domain);
   void removeAllMO();
 
@@ -98,7 +115,21 @@ class TESSEL_API I18nUtils {
   std::string translatePlural(std::string singular, std::string plural, int n,
                               std::string context, std::string domain) const;
 
-  std::unordered_map<std::string, MO> moMap;
+  // An immutable table of the registered catalogs, by domain.
+  using Catalogs = std::unordered_map<std::string, std::shared_ptr<const MO>>;
+
+  // The catalog bound to the exact name, or null. Lock-free.
+  const MO* find(const std::string& domain) const;
+  // Applies `edit` to a copy of the current table and publishes the copy when
+  // `edit` returns true. Serialised by publishMutex.
+  void publish(const std::function<bool(Catalogs&)>& edit);
+
+  // The current table. Readers load it without a lock; it is replaced, never
+  // changed, and every table ever published lives in `published` until the
+  // registry is destroyed, so a reader never sees it freed.
+  std::atomic<const Catalogs*> moMap;
+  std::mutex publishMutex;  // guards `published` and serialises replacing moMap
+  std::vector<std::unique_ptr<const Catalogs>> published;
 };
 
 }  // namespace I18N

@@ -1,9 +1,12 @@
 #include "i18n/mo.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <fstream>
 #include <limits>
+#include <random>
 #include <utility>
 
 #include "platform/file_system.h"
@@ -17,10 +20,100 @@ constexpr unsigned char kLittleEndianMagic[4] = {0xDE, 0x12, 0x04, 0x95};
 constexpr unsigned char kBigEndianMagic[4] = {0x95, 0x04, 0x12, 0xDE};
 // Keys longer than this are assembled on the heap when a lookup has a context.
 constexpr size_t kStackKeySize = 256;
+// How far a key may sit from its home slot. At the index's load of at most
+// one half, random keys stay within about 64 slots even for millions of
+// messages; keys that do not are crafted, or met a rare seed, and get fresh
+// seeds and a larger index before the image is refused.
+constexpr size_t kMaxProbe = 128;
+constexpr int kIndexAttempts = 3;
 
 int twoFormRule(int n) { return n != 1 ? 1 : 0; }
 
-size_t hashKey(std::string_view key) { return std::hash<std::string_view>()(key); }
+uint64_t mixBits(uint64_t x) {
+  x += 0x9E3779B97F4A7C15u;
+  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9u;
+  x = (x ^ (x >> 27)) * 0x94D049BB133111EBu;
+  return x ^ (x >> 31);
+}
+
+// The process's secret: the platform's random source when it works, mixed
+// with the clock and an address that differs from run to run.
+uint64_t processSecret() {
+  uint64_t bits = static_cast<uint64_t>(
+      std::chrono::steady_clock::now().time_since_epoch().count());
+  bits ^= mixBits(reinterpret_cast<uintptr_t>(&bits));
+  try {
+    std::random_device device;
+    bits ^= uint64_t{device()} << 32 ^ device();
+  } catch (...) {
+    // No random source: clock and address alone still vary per process.
+  }
+  return mixBits(bits);
+}
+
+// A new hash seed for each index build. Thread-safe.
+uint64_t drawSeed() {
+  static const uint64_t secret = processSecret();
+  static std::atomic<uint64_t> draws{0};
+  return mixBits(secret + draws.fetch_add(1, std::memory_order_relaxed));
+}
+
+// The 64-bit product of a and b folded from 128 bits: every input bit
+// reaches every output bit.
+uint64_t fold(uint64_t a, uint64_t b) {
+#if defined(__SIZEOF_INT128__)
+  __extension__ typedef unsigned __int128 Wide;
+  const Wide product = static_cast<Wide>(a) * b;
+  return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
+#else
+  const uint64_t aLow = a & 0xFFFFFFFFu, aHigh = a >> 32;
+  const uint64_t bLow = b & 0xFFFFFFFFu, bHigh = b >> 32;
+  const uint64_t lowLow = aLow * bLow, lowHigh = aLow * bHigh;
+  const uint64_t highLow = aHigh * bLow, highHigh = aHigh * bHigh;
+  const uint64_t middle = (lowLow >> 32) + (lowHigh & 0xFFFFFFFFu) + (highLow & 0xFFFFFFFFu);
+  const uint64_t low = (middle << 32) | (lowLow & 0xFFFFFFFFu);
+  const uint64_t high = highHigh + (lowHigh >> 32) + (highLow >> 32) + (middle >> 32);
+  return low ^ high;
+#endif
+}
+
+uint64_t load64(const char* p) {
+  uint64_t value;
+  std::memcpy(&value, p, sizeof value);
+  return value;
+}
+
+uint64_t load32(const char* p) {
+  uint32_t value;
+  std::memcpy(&value, p, sizeof value);
+  return value;
+}
+
+// Keyed hash of a table key. Every 16 bytes are folded with the running state
+// and the seed, so which keys collide depends on the seed, which stays inside
+// the process; the final fold mixes in the length.
+uint64_t keyHash(std::string_view key, uint64_t seed) {
+  const char* p = key.data();
+  size_t left = key.size();
+  uint64_t state = seed ^ 0xA0761D6478BD642Fu;
+  for (; left > 16; p += 16, left -= 16) {
+    state = fold(load64(p) ^ seed, load64(p + 8) ^ state);
+  }
+  uint64_t first = 0, last = 0;
+  if (left >= 8) {
+    first = load64(p);
+    last = load64(p + left - 8);
+  } else if (left >= 4) {
+    first = load32(p);
+    last = load32(p + left - 4);
+  } else if (left > 0) {
+    first = uint64_t{static_cast<unsigned char>(p[0])} << 16 |
+            uint64_t{static_cast<unsigned char>(p[left / 2])} << 8 |
+            static_cast<unsigned char>(p[left - 1]);
+  }
+  state = fold(first ^ seed, last ^ state);
+  return fold(state ^ 0xE7037ED1A0B428DBu, key.size() ^ seed ^ 0x8EBC6AF09C88C6E3u);
+}
 
 // Reads 32-bit words of an image in the byte order its magic announced.
 class WordReader {
@@ -39,34 +132,48 @@ class WordReader {
   bool bigEndian_;
 };
 
-// Cuts a translation at every NUL into forms; a NUL that ends the text starts
-// no further form, and an empty translation is one empty form.
-std::vector<std::string> splitForms(std::string_view text) {
-  std::vector<std::string> forms;
-  size_t start = 0;
-  for (;;) {
-    const size_t end = text.find(MO::PLURAL_SEPARATOR, start);
-    forms.emplace_back(text.substr(start, end == std::string_view::npos ? end : end - start));
-    if (end == std::string_view::npos || end + 1 >= text.size()) return forms;
-    start = end + 1;
-  }
+// The table key within a source string "[context 0x04] singular [0x00
+// plural]": the bytes up to the singular's end, less the separator of an
+// empty context.
+std::string_view keyOf(std::string_view source) {
+  const size_t separator = source.find(MO::CONTEXT_SEPARATOR);
+  const size_t singular = separator == std::string_view::npos ? 0 : separator + 1;
+  const size_t start = separator == 0 ? 1 : 0;
+  const size_t end = std::min(source.find(MO::PLURAL_SEPARATOR, singular), source.size());
+  return source.substr(start, end - start);
 }
 
-// A lookup record: three native 32-bit words, then the key, then form 0.
+// A message record: three native 32-bit words, then the key, then the
+// translation, whose first form the second word measures.
 constexpr size_t kRecordHeader = 12;
 
 struct RecordView {
-  uint32_t entry;
   std::string_view key;
   std::string_view form;
+  std::string_view translation;
 };
 
 RecordView viewRecord(const char* record) {
   uint32_t words[3];
   std::memcpy(words, record, sizeof words);
   const char* key = record + kRecordHeader;
-  return RecordView{words[0], std::string_view(key, words[1]),
-                    std::string_view(key + words[1], words[2])};
+  return RecordView{std::string_view(key, words[0]), std::string_view(key + words[0], words[1]),
+                    std::string_view(key + words[0], words[2])};
+}
+
+// Form `index` of a record's translation cut at every NUL, where a NUL that
+// ends the translation starts no further form; false when there are fewer
+// forms. Form 0 is measured in the record; the walk starts after it.
+bool formAt(const RecordView& record, unsigned int index, std::string_view& form) {
+  form = record.form;
+  const std::string_view translation = record.translation;
+  for (size_t end = form.size(); index > 0; --index) {
+    if (end + 1 >= translation.size()) return false;
+    const size_t start = end + 1;
+    end = std::min(translation.find(MO::PLURAL_SEPARATOR, start), translation.size());
+    form = translation.substr(start, end - start);
+  }
+  return true;
 }
 
 size_t slotCountFor(size_t entries) {
@@ -85,23 +192,53 @@ const std::function<int(int)> MO::DEFAULT_PLURAL_EXPRESSION = twoFormRule;
 MO::MO() : MO(std::string(), DEFAULT_PLURAL_EXPRESSION, DEFAULT_NPLURALS) {}
 
 MO::MO(unsigned char* data, std::function<int(int)> pluralExpression, unsigned int nplurals)
-    : nplurals(nplurals), pluralExpression(std::move(pluralExpression)), isInited(false) {
+    : nplurals(nplurals), pluralExpression(std::move(pluralExpression)), isInited(false), seed(0) {
   parseMoFile(data);
 }
 
 MO::MO(const unsigned char* data, size_t size, std::function<int(int)> pluralExpression,
        unsigned int nplurals)
-    : nplurals(nplurals), pluralExpression(std::move(pluralExpression)), isInited(false) {
+    : nplurals(nplurals), pluralExpression(std::move(pluralExpression)), isInited(false), seed(0) {
   parseMoFile(data, size);
 }
 
 MO::MO(std::string path, std::function<int(int)> pluralExpression, unsigned int nplurals)
-    : nplurals(nplurals), pluralExpression(std::move(pluralExpression)), isInited(false) {
+    : nplurals(nplurals), pluralExpression(std::move(pluralExpression)), isInited(false), seed(0) {
   if (!path.empty()) loadMoFile(std::move(path));
 }
 
 MO::MO(const MO& other) = default;
 MO& MO::operator=(const MO& other) = default;
+
+MO::MO(MO&& other) noexcept
+    : nplurals(other.nplurals),
+      pluralExpression(std::exchange(other.pluralExpression, nullptr)),
+      isInited(std::exchange(other.isInited, false)),
+      headersInfo(std::move(other.headersInfo)),
+      records(std::move(other.records)),
+      slots(std::move(other.slots)),
+      seed(other.seed) {
+  other.headersInfo.clear();
+  other.records.clear();
+  other.slots.clear();
+}
+
+MO& MO::operator=(MO&& other) noexcept {
+  if (this != &other) {
+    nplurals = other.nplurals;
+    pluralExpression = std::exchange(other.pluralExpression, nullptr);
+    isInited = std::exchange(other.isInited, false);
+    headersInfo = std::move(other.headersInfo);
+    records = std::move(other.records);
+    slots = std::move(other.slots);
+    seed = other.seed;
+    other.headersInfo.clear();
+    other.records.clear();
+    other.slots.clear();
+  }
+  return *this;
+}
+
 MO::~MO() = default;
 
 bool MO::loadMoFile(std::string path) {
@@ -152,116 +289,112 @@ void MO::parseImage(const unsigned char* data, size_t size) {
   const uint64_t tableBytes = count * 8;
   if (sources + tableBytes > size || targets + tableBytes > size) return;
 
+  // Every string must lie in the image, and together they may not be longer
+  // than the part of it that the tables and strings span: otherwise
+  // descriptors share bytes, and a small image could claim any amount.
+  uint64_t extent = std::max(sources, targets) + tableBytes;
+  uint64_t total = 0;
+  for (uint64_t at = 0; at < tableBytes; at += 8) {
+    for (const uint64_t table : {sources, targets}) {
+      const uint64_t end = word.at(table + at + 4) + word.at(table + at);
+      if (end > size) return;
+      extent = std::max(extent, end);
+      total += word.at(table + at);
+    }
+  }
+  if (total > extent || total + kRecordHeader * count >= std::numeric_limits<uint32_t>::max()) {
+    return;
+  }
+
   MO staged;
-  // Each message takes two descriptors, so a sized image bounds the count;
-  // past a million messages (only a size-less image) the table just grows.
-  const size_t expected =
-      static_cast<size_t>(std::min<uint64_t>({count, size / 16, uint64_t{1} << 20}));
-  staged.entries.reserve(expected);
-  staged.slots.resize(slotCountFor(expected));
-  for (uint64_t i = 0; i < count; ++i) {
-    const uint64_t sourceLength = word.at(sources + 8 * i);
-    const uint64_t sourceOffset = word.at(sources + 8 * i + 4);
-    const uint64_t targetLength = word.at(targets + 8 * i);
-    const uint64_t targetOffset = word.at(targets + 8 * i + 4);
-    if (sourceOffset + sourceLength > size || targetOffset + targetLength > size) return;
-    const std::string_view source(reinterpret_cast<const char*>(data) + sourceOffset,
-                                  sourceLength);
-    const std::string_view target(reinterpret_cast<const char*>(data) + targetOffset,
-                                  targetLength);
+  staged.seed = drawSeed();
+  staged.records.reserve(static_cast<size_t>(total + kRecordHeader * count));
+  staged.slots.assign(slotCountFor(static_cast<size_t>(count)), Slot{0, 0});
+  const auto text = [data](uint64_t descriptor, const WordReader& read) {
+    return std::string_view(reinterpret_cast<const char*>(data) + read.at(descriptor + 4),
+                            static_cast<size_t>(read.at(descriptor)));
+  };
+  for (uint64_t at = 0; at < tableBytes; at += 8) {
+    const std::string_view source = text(sources + at, word);
+    const std::string_view target = text(targets + at, word);
     if (source.empty() && staged.headersInfo.empty()) {
       staged.headersInfo.assign(target.substr(0, target.find(PLURAL_SEPARATOR)));
-      continue;
-    }
-    TranslateEntry entry;
-    std::string_view rest = source;
-    const size_t contextEnd = source.find(CONTEXT_SEPARATOR);
-    if (contextEnd != std::string_view::npos) {
-      entry.context.assign(source.substr(0, contextEnd));
-      rest = source.substr(contextEnd + 1);
-    }
-    const size_t singularEnd = rest.find(PLURAL_SEPARATOR);
-    entry.singular.assign(rest.substr(0, singularEnd));
-    if (singularEnd != std::string_view::npos) {
-      const std::string_view plural = rest.substr(singularEnd + 1);
-      entry.plural.assign(plural.substr(0, plural.find(PLURAL_SEPARATOR)));
-      entry.isPural = true;
-    }
-    entry.translations = splitForms(target);
-    if (!staged.store(std::move(entry))) return;
-  }
-  headersInfo = std::move(staged.headersInfo);
-  entries = std::move(staged.entries);
-  lookup = std::move(staged.lookup);
-  slots = std::move(staged.slots);
-  isInited = true;
-}
-
-bool MO::store(TranslateEntry entry) {
-  const std::string joined = entry.context.empty() ? std::string() : entry.getKey();
-  const std::string_view key = entry.context.empty() ? entry.singular : joined;
-  const std::string& form = entry.translations.front();
-  const uint64_t recordOffset = lookup.size();
-  if (recordOffset + kRecordHeader + key.size() + form.size() >=
-      std::numeric_limits<uint32_t>::max()) {
-    return false;
-  }
-  const size_t hash = hashKey(key);
-  const char* existing = findKey(key, hash);
-  const uint32_t index =
-      existing != nullptr ? viewRecord(existing).entry : static_cast<uint32_t>(entries.size());
-  const uint32_t words[3] = {index, static_cast<uint32_t>(key.size()),
-                             static_cast<uint32_t>(form.size())};
-  lookup.append(reinterpret_cast<const char*>(words), sizeof words);
-  lookup.append(key);
-  lookup.append(form);
-  if (existing != nullptr) {
-    entries[index] = std::move(entry);  // the later message wins
-  } else {
-    entries.push_back(std::move(entry));
-  }
-  if ((entries.size() + 1) * 2 > slots.size()) {
-    std::vector<Slot> old = std::move(slots);
-    slots.assign(slotCountFor(entries.size() + 1), Slot{0, 0});
-    for (const Slot& slot : old) {
-      if (slot.record != 0) placeSlot(slot);
-    }
-  }
-  placeSlot(Slot{static_cast<uint32_t>(recordOffset + 1), static_cast<uint32_t>(hash)});
-  return true;
-}
-
-// Puts the slot where its key's probe sequence finds it: over the slot of the
-// same key, or in the first free one.
-void MO::placeSlot(Slot slot) {
-  const size_t mask = slots.size() - 1;
-  const std::string_view key = viewRecord(lookup.data() + slot.record - 1).key;
-  for (size_t i = slot.hash & mask;; i = (i + 1) & mask) {
-    Slot& here = slots[i];
-    if (here.record == 0 ||
-        (here.hash == slot.hash && viewRecord(lookup.data() + here.record - 1).key == key)) {
-      here = slot;
+    } else if (!staged.store(keyOf(source), target)) {
       return;
     }
   }
+  headersInfo = std::move(staged.headersInfo);
+  records = std::move(staged.records);
+  slots = std::move(staged.slots);
+  seed = staged.seed;
+  isInited = true;
 }
 
-const char* MO::findKey(std::string_view key, size_t hash) const {
-  if (slots.empty()) return nullptr;
+bool MO::store(std::string_view key, std::string_view translation) {
+  const uint32_t words[3] = {
+      static_cast<uint32_t>(key.size()),
+      static_cast<uint32_t>(std::min(translation.find(PLURAL_SEPARATOR), translation.size())),
+      static_cast<uint32_t>(translation.size())};
+  const Slot slot{static_cast<uint32_t>(records.size() + 1),
+                  static_cast<uint32_t>(keyHash(key, seed))};
+  records.append(reinterpret_cast<const char*>(words), sizeof words);
+  records.append(key);
+  records.append(translation);
+  return placeSlot(slot) || reindex(slot);
+}
+
+bool MO::placeSlot(Slot slot) {
   const size_t mask = slots.size() - 1;
-  for (size_t i = hash & mask;; i = (i + 1) & mask) {
+  const std::string_view key = viewRecord(records.data() + slot.record - 1).key;
+  size_t i = slot.hash & mask;
+  for (size_t probe = 0; probe <= kMaxProbe; ++probe, i = (i + 1) & mask) {
+    Slot& here = slots[i];
+    if (here.record == 0 ||
+        (here.hash == slot.hash && viewRecord(records.data() + here.record - 1).key == key)) {
+      here = slot;  // a later message with the same key wins
+      return true;
+    }
+  }
+  return false;
+}
+
+bool MO::reindex(Slot pending) {
+  std::vector<Slot> placed;
+  for (const Slot& slot : slots) {
+    if (slot.record != 0) placed.push_back(slot);
+  }
+  placed.push_back(pending);
+  for (int attempt = 0; attempt < kIndexAttempts; ++attempt) {
+    seed = drawSeed();
+    slots.assign(slots.size() * 2, Slot{0, 0});
+    const bool all = std::all_of(placed.begin(), placed.end(), [this](Slot slot) {
+      const std::string_view key = viewRecord(records.data() + slot.record - 1).key;
+      return placeSlot(Slot{slot.record, static_cast<uint32_t>(keyHash(key, seed))});
+    });
+    if (all) return true;
+  }
+  return false;
+}
+
+const char* MO::findKey(std::string_view key) const {
+  if (slots.empty()) return nullptr;
+  const uint64_t hash = keyHash(key, seed);
+  const size_t mask = slots.size() - 1;
+  size_t i = hash & mask;
+  for (size_t probe = 0; probe <= kMaxProbe; ++probe, i = (i + 1) & mask) {
     const Slot& slot = slots[i];
     if (slot.record == 0) return nullptr;
     if (slot.hash == static_cast<uint32_t>(hash)) {
-      const char* record = lookup.data() + slot.record - 1;
+      const char* record = records.data() + slot.record - 1;
       if (viewRecord(record).key == key) return record;
     }
   }
+  return nullptr;
 }
 
 const char* MO::find(const std::string& singular, const std::string& context) const {
-  if (entries.empty()) return nullptr;
-  if (context.empty()) return findKey(singular, hashKey(singular));
+  if (slots.empty()) return nullptr;
+  if (context.empty()) return findKey(singular);
   const size_t length = context.size() + 1 + singular.size();
   char stackKey[kStackKeySize];
   std::string heapKey;
@@ -273,8 +406,7 @@ const char* MO::find(const std::string& singular, const std::string& context) co
   std::memcpy(key, context.data(), context.size());
   key[context.size()] = CONTEXT_SEPARATOR;
   std::memcpy(key + context.size() + 1, singular.data(), singular.size());
-  const std::string_view view(key, length);
-  return findKey(view, hashKey(view));
+  return findKey(std::string_view(key, length));
 }
 
 bool MO::getIsInited() const { return isInited; }
@@ -290,9 +422,9 @@ std::string MO::translatePlural(std::string singular, std::string plural, int n,
                                 std::string context) const {
   const char* record = find(singular, context);
   const unsigned int index = selectPluralForm(n);
-  if (record != nullptr) {
-    const std::vector<std::string>& forms = entries[viewRecord(record).entry].translations;
-    if (index < forms.size()) return forms[index];
+  std::string_view form;
+  if (record != nullptr && formAt(viewRecord(record), index, form)) {
+    return std::string(form);
   }
   return n == 1 ? singular : plural;
 }

@@ -47,6 +47,10 @@ class TESSEL_API MO {
   // Deep copies; the copy is independent of the original.
   MO(const MO& other);
   MO& operator=(const MO& other);
+  // Take over another catalog; `other` is left empty and uninitialised, with
+  // the default rule and its own form count.
+  MO(MO&& other) noexcept;
+  MO& operator=(MO&& other) noexcept;
   virtual ~MO();
 
   // Reads the whole file at `path` (narrow byte string, binary mode) and
@@ -58,9 +62,13 @@ class TESSEL_API MO {
   // Parses a whole MO image into an uninitialised catalog; a null pointer or
   // an initialised catalog is ignored. A wrong magic number, a revision other
   // than 0, or (sized overload) a table, descriptor or string beyond `size`
-  // rejects the image whole and leaves the catalog uninitialised. The image is
-  // copied: it may be freed as soon as the call returns. The size-less
-  // overload requires a well-formed image (it trusts the image's own extents).
+  // rejects the image whole and leaves the catalog uninitialised. So do
+  // strings whose lengths add up to more than the image spans (descriptors
+  // sharing bytes, which msgfmt never writes) and keys that the index cannot
+  // place within its probe bound: the work and memory of a parse stay
+  // proportional to the image. The image is copied: it may be freed as soon
+  // as the call returns. The size-less overload requires a well-formed image
+  // (it trusts the image's own extents).
   void parseMoFile(unsigned char* data);
   void parseMoFile(const unsigned char* data, size_t size);
 
@@ -83,32 +91,45 @@ class TESSEL_API MO {
   unsigned int selectPluralForm(int n) const;
 
  private:
-  // Slot of the open-addressing index over the messages.
+  friend class MOIndexInspector;  // tests read the slot layout to count probes
+
+  // Slot of the open-addressing index over the message records.
   struct Slot {
-    uint32_t record;  // offset of the message's record in `lookup` plus one; 0: free
+    uint32_t record;  // offset of the message's record in `records` plus one; 0: free
     uint32_t hash;    // low bits of the key's hash, checked before the key
   };
 
   void parseImage(const unsigned char* data, size_t size);
+  // Appends a message's record and indexes it, replacing an earlier message
+  // with the same key; false when the index cannot place it (see reindex).
+  bool store(std::string_view key, std::string_view translation);
+  // Puts `slot` over the slot of the same key or into the first free one;
+  // false, with nothing changed, when that is beyond the probe bound.
+  bool placeSlot(Slot slot);
+  // Rebuilds the index with fresh seeds and twice the slots, `pending` added;
+  // false when no attempt keeps every key within the probe bound.
+  bool reindex(Slot pending);
   // The record of the message stored under (singular, context), or null.
   const char* find(const std::string& singular, const std::string& context) const;
-  const char* findKey(std::string_view key, size_t hash) const;
-  // Adds or replaces the message; false when the lookup records would pass
-  // 4 GiB (the image is then refused).
-  bool store(TranslateEntry entry);
-  void placeSlot(Slot slot);
+  const char* findKey(std::string_view key) const;
 
   unsigned int nplurals;
   std::function<int(int)> pluralExpression;
   bool isInited;
   std::string headersInfo;
-  // One entry per key (Entry::getKey). For fast lookups each message also has
-  // a record in `lookup` (entry index, key length, form-0 length, key bytes,
-  // form-0 bytes), so a hit reads one slot and one record; `slots` indexes
-  // the records, with a power-of-two size at least twice the message count.
-  std::vector<TranslateEntry> entries;
-  std::string lookup;
+  // The messages, one record each: three native 32-bit words (key length,
+  // form-0 length, translation length), the key (Entry::getKey), then the
+  // translation with its forms still separated by NULs. The parse refuses
+  // images whose strings add up to more than the image, so the records are
+  // bounded by its size.
+  std::string records;
+  // Linear-probing index over `records`: a power-of-two size at least twice
+  // the message count, probed at most kMaxProbe slots from a key's home.
   std::vector<Slot> slots;
+  // Seed of the keyed hash the index was built with: derived from a
+  // per-process secret for each parse, and drawn again if the index is
+  // rebuilt.
+  uint64_t seed;
 };
 
 }  // namespace I18N

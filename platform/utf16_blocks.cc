@@ -1,6 +1,7 @@
 // The string forms of the UTF-8/UTF-16 conversions, shared by every system:
 // they convert block by block through the system's buffer forms.
 #include <cstdint>
+#include <new>
 
 #include "platform/utf16_conversion.h"
 
@@ -37,10 +38,25 @@ std::size_t Utf16BlockEnd(const wchar_t* text, std::size_t start, std::size_t le
   return IsHighSurrogate(text[end - 1]) ? end + 1 : end;
 }
 
+// Reserves room for `worst` elements, or, where the string cannot be that
+// long, for the exact count that `measure` gives. A result longer than the
+// string can be is an allocation that cannot succeed: std::bad_alloc, thrown
+// before `out` changes.
+template <typename String, typename Measure>
+void ReserveUpTo(String& out, std::size_t worst, Measure measure) {
+  if (worst <= out.max_size()) {
+    out.reserve(worst);
+    return;
+  }
+  const std::size_t exact = measure();
+  if (exact > out.max_size()) throw std::bad_alloc();
+  out.reserve(exact);
+}
+
 }  // namespace
 
 void Utf8ToUtf16(const char* text, std::size_t length, std::wstring& out) {
-  out.reserve(length);
+  ReserveUpTo(out, length, [&] { return Utf16LengthOfUtf8(text, length); });
   out.clear();
   const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text);
   for (std::size_t start = 0; start < length;) {
@@ -52,7 +68,8 @@ void Utf8ToUtf16(const char* text, std::size_t length, std::wstring& out) {
 }
 
 void Utf16ToUtf8(const wchar_t* text, std::size_t length, std::string& out) {
-  out.reserve(3 * length);
+  const std::size_t worst = length <= SIZE_MAX / 3 ? 3 * length : SIZE_MAX;
+  ReserveUpTo(out, worst, [&] { return Utf8LengthOfUtf16(text, length); });
   out.clear();
   for (std::size_t start = 0; start < length;) {
     const std::size_t end = Utf16BlockEnd(text, start, length);

@@ -12,11 +12,13 @@
 #include <future>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "common/date_time.h"
+#include "common/string_utils.h"
 #include "support/scoped_time_zone.h"
 
 namespace {
@@ -194,6 +196,47 @@ TEST(DateTimeUtc, DocumentedMonthExample) {
   // Windows' C runtime converts no time before 1970.
   EXPECT_EQ(DateTime(-1).description(),
             test_support::kOnWindows ? "DateTime(-1)" : "1969/12/31 23:59:59");
+}
+
+// 67767976233532799 is 2147483647-12-31 23:59:59 UTC (Hinnant's days from
+// civil, checked with glibc's gmtime_r, which takes the next second too and
+// gives it a tm_year whose full year is beyond INT_MAX).
+TEST(DateTimeUtc, YearsBeyondIntAreNotConvertible) {
+  TESSEL_SKIP_ON_WINDOWS("Windows' C runtime converts no time after the year 3000");
+  ScopedTimeZone utc("UTC");
+  const DateTime last(67767976233532799LL);
+  EXPECT_EQ(last.description(), "2147483647/12/31 23:59:59");
+  EXPECT_EQ(DateTime(67767976233532800LL).description(), "DateTime(67767976233532800)");
+  EXPECT_EQ(DateTime(67767976233532800LL).components().year(), 1899);  // fields of -1
+  EXPECT_EQ(last.addMonthsCopy(1), DateTime(-1));
+  DateTimeComponents c = last.components();
+  EXPECT_EQ(c.year(), INT_MAX);
+  c.setSecond(60);  // normalises into the year after INT_MAX
+  EXPECT_EQ(DateTime(c), DateTime(-1));
+  c.setYear(INT_MIN);
+  c.setMonth(INT_MIN);
+  EXPECT_EQ(c.year(), INT_MIN);
+  EXPECT_EQ(c.month(), INT_MIN);
+  EXPECT_EQ(DateTime(c), DateTime(-1));
+}
+
+// In double precision seconds × 10^7 is inexact far in the future; the
+// printed second must still be the one given, as the C library prints it.
+TEST(DateTimeUtc, OuputDateFrom1979KeepsFarFutureSecondsExact) {
+  TESSEL_SKIP_ON_WINDOWS("Windows' C runtime converts no time after the year 3000");
+  ScopedTimeZone utc("UTC");
+  const long long kLast = LLONG_MAX / 10000000;  // the last second whose ticks fit
+  for (long long value = kLast; value > 115000000000LL; value -= 6287462339LL) {
+    const time_t t = static_cast<time_t>(value);
+    char expected[64];
+    std::strftime(expected, sizeof expected, "%Y-%m-%d %H:%M:%S", std::gmtime(&t));
+    std::ostringstream out;
+    tessel::StringUtils::OuputDateFrom1979(out, value, "%Y-%m-%d %H:%M:%S");
+    EXPECT_EQ(out.str(), expected) << value;
+  }
+  std::ostringstream out;
+  tessel::StringUtils::OuputDateFrom1979(out, kLast + 1, "%Y");
+  EXPECT_EQ(out.str(), "");
 }
 
 // ---- Properties that hold in every zone --------------------------------------

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "common/file_utils.h"
 #include "common/imp_win/generic_timer.h"
 #include "temp_dir.h"
 
@@ -122,6 +123,30 @@ TEST_F(FileManagerTest, CopiesFiles) {
   EXPECT_FALSE(manager_.CopyTheFile(Path("missing"), Path("v")));
   EXPECT_FALSE(manager_.CopyTheFile(dir_.string(), Path("v")));
   EXPECT_FALSE(std::filesystem::exists(Path("v")));
+}
+
+// Destroying or moving through a path that names no file must not reach the
+// file a lenient reading of it names: "a" for "a" NUL "b", and on Windows
+// "\uFFFD.txt" for the ill-formed "\xFF.txt".
+TEST_F(FileManagerTest, DestroyingCallsReachOnlyTheFileNamed) {
+  const std::string a = Make("a", "keep");
+  const std::string cut = a + std::string("\0b", 2);
+  EXPECT_FALSE(manager_.DeleteTheFile(cut));
+  EXPECT_FALSE(manager_.MoveTheFile(cut, Path("moved")));
+  EXPECT_FALSE(manager_.MoveTheFile(Make("b", "b"), cut));
+  EXPECT_FALSE(manager_.CopyTheFile(Path("b"), cut));
+  tessel::FileUtils::writeFile("new", 3, cut);
+  EXPECT_EQ(Slurp(a), "keep");
+
+  const std::string replacement = dir_.string() + "/\xEF\xBF\xBD.txt";
+  tessel::FileUtils::writeFile("keep", 4, replacement);
+  const std::string ill_formed = dir_.string() + "/\xFF.txt";
+  manager_.DeleteTheFile(ill_formed);
+  tessel::FileUtils::writeFile("new", 3, ill_formed);
+  manager_.MoveTheFile(ill_formed, Path("moved"));
+  std::string content;
+  tessel::FileUtils::readChunkFromFile(replacement, 0, content, 100);
+  EXPECT_EQ(content, "keep");
 }
 
 class MovedHome : public GenericFileManager {

@@ -4,8 +4,6 @@
 
 #include <ctime>
 #include <memory>
-#include <thread>
-#include <vector>
 
 #include "common/imp_win/generic_file_manager.h"
 #include "common/imp_win/generic_timer.h"
@@ -137,33 +135,6 @@ TEST_F(FileTest, MovesTheFileAndItsName) {
   EXPECT_EQ(missing.move("D:/x/y.txt"), 0);
   EXPECT_EQ(missing.fullPath(), "D:/x/y.txt");
   EXPECT_EQ(missing.fileName(), "y.txt");
-}
-
-
-// Four threads examine their own files at once through the shared holder and
-// file manager; TSan checks that nothing is shared unguarded. The threads never
-// wait on anything, so joining them cannot hang.
-TEST_F(FileTest, MayBeUsedFromSeveralThreadsAtOnce) {
-  std::vector<std::string> paths;
-  for (int i = 0; i < 4; ++i) paths.push_back(Make("t" + std::to_string(i), Pattern(2000 + i)));
-  std::vector<std::string> digests(4);
-  std::vector<unsigned long long> sizes(4);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&, i] {
-      for (int round = 0; round < 50; ++round) {
-        File file(paths[i]);
-        sizes[i] = file.exist() ? file.fileSize() : 0;
-        digests[i] = file.md5();
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(sizes[i], 2000u + i);
-    EXPECT_EQ(digests[i].size(), 32u);
-    EXPECT_NE(digests[i], i > 0 ? digests[i - 1] : std::string());
-  }
 }
 
 }  // namespace

@@ -130,25 +130,54 @@ TEST_F(Registry, DestroyTwiceThenAFreshRegistry) {
   EXPECT_EQ(I18nUtils::getInstance(), I18nUtils::getInstance());
 }
 
-TEST_F(Registry, ConcurrentLookupsAgree) {
-  registry().addMO(CompiledCatalog("de", "big"), GermanRule, 2, "de");
-  const int kThreads = 4;
+// The UI thread switches the language of a domain back and forth, removes it
+// and clears the table, while workers translate in it: every answer belongs to
+// one whole catalog or to none, and a catalog fetched before the switches
+// stays as it was.
+TEST_F(Registry, SwitchingLanguageWhileOthersTranslate) {
+  const auto french = i18n_test::BuildImage({
+      {"Open", "Ouvrir"},
+      {"file" + kNul + "files", "Fichier" + kNul + "Fichiers"},
+  });
+  const MO germanCatalog(image_.data(), image_.size(), GermanRule, 2);
+  const MO frenchCatalog(french.data(), french.size(), GermanRule, 2);
+  registry().addMO(germanCatalog, "ui");
+  const MO& held = registry().getMO("ui");
+
+  std::atomic<bool> stop{false};
+  std::atomic<int> started{0};
   std::vector<std::future<int>> workers;
-  for (int t = 0; t < kThreads; ++t) {
-    workers.push_back(std::async(std::launch::async, [] {
+  for (int t = 0; t < 3; ++t) {
+    workers.push_back(std::async(std::launch::async, [&] {
       int wrong = 0;
       I18nUtils* shared = I18nUtils::getInstance();
-      for (int i = 0; i < 2000; ++i) {
-        wrong += shared->xgettext("Open", "menu", "de") != "Öffnen…";
-        wrong += shared->ngettext("file", "files", i, "de") != (i == 1 ? "Datei" : "Dateien");
+      for (int i = 0; i < 100 || !stop.load(); ++i) {
+        const std::string open = shared->gettext("Open", "ui");
+        const std::string files = shared->ngettext("file", "files", 2, "ui");
+        wrong += open != "Öffnen" && open != "Ouvrir" && open != "Open";
+        wrong += files != "Dateien" && files != "Fichiers" && files != "files";
+        wrong += shared->getMO("ui").translate("Open", "menu") == "";
+        if (i == 0) ++started;
       }
       return wrong;
     }));
   }
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (started.load() < 3 && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::yield();
+  }
+  for (int i = 0; i < 600; ++i) {
+    registry().addMO(i % 2 == 0 ? germanCatalog : frenchCatalog, "ui");
+    if (i % 7 == 0) registry().removeMO("ui");
+    if (i % 31 == 0) registry().removeAllMO();
+  }
+  stop = true;
   for (auto& worker : workers) {
-    ASSERT_EQ(worker.wait_for(std::chrono::seconds(60)), std::future_status::ready);
+    ASSERT_EQ(worker.wait_until(deadline), std::future_status::ready);
     EXPECT_EQ(worker.get(), 0);
   }
+  EXPECT_EQ(held.translate("Open", ""), "Öffnen");
+  EXPECT_EQ(registry().gettext("Open", "ui"), "Ouvrir");  // the last switch, i = 599
 }
 
 TEST_F(Registry, ConcurrentFirstUseCreatesOneRegistry) {
