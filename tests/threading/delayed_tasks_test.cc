@@ -1,38 +1,18 @@
 // Delayed tasks of the base loop and the closing of its posting handle.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
-#include <future>
 #include <memory>
-#include <string>
-#include <thread>
 #include <vector>
 
 #include "platform/base/message_loop.h"
-#include "platform/base/thread.h"
 #include "watchdog.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-using threading_test::kWatchdog;
-using threading_test::ReadyOrAbort;
-
-// Runs `loop` on the calling thread until a task quits it; false when the
-// watchdog had to quit it instead.
-bool RunGuarded(base::MessageLoop& loop) {
-  std::promise<void> returned;
-  auto watchdog = std::async(std::launch::async, [&loop, done = returned.get_future()] {
-    if (threading_test::Within(done)) return false;
-    loop.Quit();
-    return true;
-  });
-  loop.Run();
-  returned.set_value();
-  return !watchdog.get();
-}
+using threading_test::RunGuarded;
 
 TEST(DelayedTasks, RunByDeadlineThenPostingOrderAndNeverEarly) {
   base::MessageLoop loop;

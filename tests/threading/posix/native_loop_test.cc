@@ -4,8 +4,10 @@
 #include <malloc.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <pthread.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -60,16 +62,22 @@ TEST(DelayedTasks, LoopSleepsUntilTheEarliestDeadlineWithoutPolling) {
   EXPECT_LE(BlockedCount(worker) - before, 3);
 }
 
+// Bytes the C library's allocator has handed out, large mappings included.
+std::size_t HeapInUse() {
+  const struct mallinfo2 info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+}
+
 TEST(DelayedTasks, HundredThousandPendingCostFewMegabytesAndDieUnrun) {
   constexpr int kPending = 100000;
   auto token = std::make_shared<int>(0);
-  const std::size_t heap_before = mallinfo2().uordblks;
+  const std::size_t heap_before = HeapInUse();
   {
     base::MessageLoop loop;
     for (int i = 0; i < kPending; ++i) {
       loop.PostDelayedTask(FROM_HERE, [token] { ++*token; }, 1h + std::chrono::seconds(i % 977));
     }
-    const std::size_t heap_after = mallinfo2().uordblks;
+    const std::size_t heap_after = HeapInUse();
     if (heap_after > heap_before) {  // zero under sanitizers, which count apart
       EXPECT_LT(heap_after - heap_before, 100u * kPending) << "bytes for the pending tasks";
     }
@@ -84,6 +92,39 @@ TEST(DelayedTasks, HundredThousandPendingCostFewMegabytesAndDieUnrun) {
   }
   EXPECT_EQ(*token, 0);
   EXPECT_EQ(token.use_count(), 1);
+}
+
+TEST(TaskQueue, BurstMemoryGoesBackOnceDrained) {
+  constexpr int kBurst = 200000;
+  base::Thread thread("burst");
+  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options()));
+  auto runner = thread.task_runner();
+  std::promise<void> gate;
+  runner->PostTask(FROM_HERE, [opened = gate.get_future().share()] { opened.wait(); });
+  const std::size_t before = HeapInUse();
+  for (int i = 0; i < kBurst; ++i) runner->PostTask(FROM_HERE, [] {});
+  const std::size_t queued = HeapInUse();
+  std::promise<void> drained;
+  runner->PostTask(FROM_HERE, [&] { drained.set_value(); });
+  gate.set_value();
+  ReadyOrAbort(drained.get_future(), "the burst draining");
+  if (queued <= before) GTEST_SKIP() << "the allocator's figures are not available here";
+  EXPECT_LT(HeapInUse() - std::min(before, HeapInUse()), (queued - before) / 20);
+}
+
+TEST(ThreadName, SystemNameIsCutAtACharacterBoundary) {
+  base::Thread thread("abcdefghijklmn\xC3\xA9-and-more");
+  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options()));
+  std::promise<std::string> name;
+  thread.task_runner()->PostTask(FROM_HERE, [&] {
+    char buffer[64] = {};
+    pthread_getname_np(pthread_self(), buffer, sizeof buffer);
+    name.set_value(buffer);
+  });
+  auto seen = name.get_future();
+  ReadyOrAbort(seen, "the named thread's task");
+  EXPECT_EQ(seen.get(), "abcdefghijklmn");
+  EXPECT_EQ(thread.message_loop()->thread_name(), "abcdefghijklmn\xC3\xA9-and-more");
 }
 
 // A host's own poll loop on an eventfd drives the user-interface loop: the
