@@ -112,6 +112,8 @@ class TaskRunner : public std::enable_shared_from_this<TaskRunner> {
   bool quit_when_idle_ = false;  // one-shot: ends the innermost Run()
   bool stopping_ = false;        // sticky: every Run() ends once idle
   bool closed_ = false;          // final drain done; posts fail
+  // When an idle loop lets the spare chunks of a past burst go.
+  std::optional<Clock::time_point> trim_at_;
   // Checked by the loop's thread after every task, so kept apart from the
   // line the producers write. Written under mutex_ too.
   alignas(64) std::atomic<bool> quit_{false};
