@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "support/test_platform.h"
 
@@ -35,11 +36,26 @@ class ScopedTimeZone {
 
 }  // namespace test_support
 
-// Skips the rest of the test on Windows when `zone` is a zone name ("UTC"
-// aside): Windows' C runtime reads only settings like "EST5EDT" from TZ.
-#define TESSEL_SKIP_ZONE_NAME_ON_WINDOWS(zone)                                 \
-  if (std::string(zone) == "UTC") {                                           \
-  } else                                                                      \
-    TESSEL_SKIP_ON_WINDOWS("Windows' C runtime takes no time-zone names from TZ")
+namespace test_support {
+
+// Whether the C runtime of the system reads `zone` from TZ. Windows' runtime
+// reads only rule forms such as "EST5EDT" or "LHS-10:30" (three-letter names,
+// US daylight-saving dates whatever the names), no zone names such as
+// "Europe/Berlin".
+inline bool ZoneReadable(const std::string& zone) {
+  return !kOnWindows || zone.find('/') == std::string::npos;
+}
+
+// The cases of `all` whose zone (given by `zoneOf`) the runtime reads.
+template <typename Case, typename ZoneOf>
+std::vector<Case> ReadableZones(const std::vector<Case>& all, ZoneOf zoneOf) {
+  std::vector<Case> kept;
+  for (const Case& c : all) {
+    if (ZoneReadable(zoneOf(c))) kept.push_back(c);
+  }
+  return kept;
+}
+
+}  // namespace test_support
 
 #endif  // TESSEL_TESTS_SUPPORT_SCOPED_TIME_ZONE_H_
