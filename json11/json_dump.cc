@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "json11/byte_scan.h"
 #include "json11/double_text.h"
@@ -139,15 +140,17 @@ char* WriteNumber(double value, char* out) {
 // Room that WriteScalar may use (the double writer's fixed-size copies).
 constexpr size_t kScalarCapacity = kShortText + kDoubleTextCapacity;
 
-// Writes the text of a number, a short plain string or a shared constant
-// (found by identity) at out (kScalarCapacity bytes) and returns its end;
-// nullptr for every other value, which its own dump slot writes.
+// Writes the text of a number, a short plain string, null or a boolean at out
+// (kScalarCapacity bytes) and returns its end; nullptr for long or escaped
+// strings and for containers.
 char* WriteScalar(const JsonValue& value, char* out) {
   switch (value.kind()) {
     case JsonValue::Kind::kInt: return WriteNumber(static_cast<const JsonInt&>(value).stored(), out);
     case JsonValue::Kind::kLong: return WriteNumber(static_cast<const JsonLong&>(value).stored(), out);
     case JsonValue::Kind::kDouble: return WriteNumber(static_cast<const JsonDouble&>(value).stored(), out);
     case JsonValue::Kind::kString: return WriteShortPlain(static_cast<const JsonString&>(value).stored(), out);
+    case JsonValue::Kind::kArray:
+    case JsonValue::Kind::kObject: return nullptr;
     case JsonValue::Kind::kOther: break;
   }
   const JsonStatics& statics = Statics();
@@ -158,10 +161,6 @@ char* WriteScalar(const JsonValue& value, char* out) {
     text = "true";
   } else if (&value == &statics.false_value) {
     text = "false";
-  } else if (&value == &statics.empty_array) {
-    text = "[]";
-  } else if (&value == &statics.empty_object) {
-    text = "{}";
   } else {
     return nullptr;
   }
@@ -197,14 +196,110 @@ class PendingText {
   char buffer_[2 * kPieceCapacity + 128];
 };
 
-// Writes the separator (or opening bracket) and the value: in the pending
-// text when it is a scalar, else through its own dump slot.
-void WriteElement(std::string_view separator, const JsonValue& value, PendingText& pending) {
-  char* p = CopyShort(separator.data(), separator.size(), pending.Next());
-  char* const end = WriteScalar(value, p);
-  pending.Commit(end != nullptr ? end : p);
-  if (end == nullptr) value.dump(pending.Flush());
-}
+// Writes a value with all that is nested in it. The containers being written
+// are kept on the heap, innermost last, so the depth of a value costs heap
+// rather than stack; all pieces go through one pending text.
+class TreeWriter {
+ public:
+  explicit TreeWriter(std::string& out) : pending_(out) { open_.reserve(8); }
+
+  // Writes the whole of values (then call Finish).
+  template <typename Items>
+  void Open(const Items& items) {
+    Open(items, std::string_view());
+    while (!open_.empty()) Step();
+  }
+  void Finish() { pending_.Flush(); }
+
+ private:
+  // Where a container being written has got to; the array fields serve
+  // arrays, the member fields objects.
+  struct Frame {
+    const Json* element = nullptr;
+    const Json* elementsEnd = nullptr;
+    Json::object::const_iterator member;
+    Json::object::const_iterator membersEnd;
+    bool isObject = false;
+    bool first = true;
+  };
+
+  void Open(const Json::array& items, std::string_view separator) {
+    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+    if (items.empty()) {
+      pending_.Commit(CopyShort("[]", 2, p));
+      return;
+    }
+    pending_.Commit(p);
+    Frame frame;
+    frame.element = items.data();
+    frame.elementsEnd = items.data() + items.size();
+    open_.push_back(frame);
+  }
+
+  void Open(const Json::object& members, std::string_view separator) {
+    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+    if (members.empty()) {
+      pending_.Commit(CopyShort("{}", 2, p));
+      return;
+    }
+    pending_.Commit(p);
+    Frame frame;
+    frame.member = members.begin();
+    frame.membersEnd = members.end();
+    frame.isObject = true;
+    open_.push_back(frame);
+  }
+
+  // Writes the next element of the innermost container, or closes it.
+  void Step() {
+    Frame& top = open_.back();
+    const bool done = top.isObject ? top.member == top.membersEnd : top.element == top.elementsEnd;
+    if (done) {
+      char* p = pending_.Next();
+      *p = top.isObject ? '}' : ']';
+      pending_.Commit(p + 1);
+      open_.pop_back();
+      return;
+    }
+    const std::string_view separator = !top.first ? ", " : top.isObject ? "{" : "[";
+    top.first = false;
+    if (!top.isObject) {
+      Element(separator, JsonAccess::Of(*top.element++));  // may grow open_: top is not used after
+      return;
+    }
+    const auto& [key, value] = *top.member++;
+    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+    char* const keyEnd = WriteShortPlain(key, p);
+    if (keyEnd != nullptr) {
+      pending_.Commit(keyEnd);
+    } else {
+      pending_.Commit(p);
+      Quote(key, pending_.Flush());
+    }
+    Element(": ", JsonAccess::Of(value));
+  }
+
+  // Writes the separator and a scalar, or the separator and the opening of
+  // a container.
+  void Element(std::string_view separator, const JsonValue& value) {
+    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+    char* const end = WriteScalar(value, p);
+    if (end != nullptr) {
+      pending_.Commit(end);
+      return;
+    }
+    switch (value.kind()) {
+      case JsonValue::Kind::kArray: return Open(static_cast<const JsonArray&>(value).stored(), separator);
+      case JsonValue::Kind::kObject: return Open(static_cast<const JsonObject&>(value).stored(), separator);
+      default:
+        pending_.Commit(p);
+        value.dump(pending_.Flush());
+    }
+  }
+
+  PendingText pending_;
+  std::vector<Frame> open_;
+};
 
 }  // namespace
 
@@ -243,39 +338,15 @@ void DumpStored(const std::string& value, std::string& out) {
 }
 
 void DumpStored(const Json::array& values, std::string& out) {
-  if (values.empty()) {
-    out.append("[]", 2);
-    return;
-  }
-  PendingText pending(out);
-  std::string_view separator = "[";
-  for (const Json& value : values) {
-    WriteElement(separator, JsonAccess::Of(value), pending);
-    separator = ", ";
-  }
-  pending.Flush().push_back(']');
+  TreeWriter writer(out);
+  writer.Open(values);
+  writer.Finish();
 }
 
 void DumpStored(const Json::object& values, std::string& out) {
-  if (values.empty()) {
-    out.append("{}", 2);
-    return;
-  }
-  PendingText pending(out);
-  std::string_view separator = "{";
-  for (const auto& [key, value] : values) {
-    char* p = CopyShort(separator.data(), separator.size(), pending.Next());
-    char* const key_end = WriteShortPlain(key, p);
-    if (key_end != nullptr) {
-      pending.Commit(key_end);
-    } else {
-      pending.Commit(p);
-      Quote(key, pending.Flush());
-    }
-    WriteElement(": ", JsonAccess::Of(value), pending);
-    separator = ", ";
-  }
-  pending.Flush().push_back('}');
+  TreeWriter writer(out);
+  writer.Open(values);
+  writer.Finish();
 }
 
 void Json::dump(std::string& out) const { m_ptr->dump(out); }
