@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string_view>
 #include <system_error>
+#include <type_traits>
 #include <vector>
 
 #include "json11/byte_scan.h"
@@ -203,9 +204,9 @@ class TreeWriter {
  public:
   explicit TreeWriter(std::string& out) : pending_(out) { open_.reserve(8); }
 
-  // Writes the whole of values (then call Finish).
+  // Writes the whole of items (then call Finish).
   template <typename Items>
-  void Open(const Items& items) {
+  void WriteAll(const Items& items) {
     Open(items, std::string_view());
     while (!open_.empty()) Step();
   }
@@ -223,31 +224,32 @@ class TreeWriter {
     bool first = true;
   };
 
-  void Open(const Json::array& items, std::string_view separator) {
-    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
-    if (items.empty()) {
-      pending_.Commit(CopyShort("[]", 2, p));
-      return;
-    }
-    pending_.Commit(p);
+  static Frame FrameOf(const Json::array& items) {
     Frame frame;
     frame.element = items.data();
     frame.elementsEnd = items.data() + items.size();
-    open_.push_back(frame);
+    return frame;
   }
 
-  void Open(const Json::object& members, std::string_view separator) {
-    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
-    if (members.empty()) {
-      pending_.Commit(CopyShort("{}", 2, p));
-      return;
-    }
-    pending_.Commit(p);
+  static Frame FrameOf(const Json::object& members) {
     Frame frame;
     frame.member = members.begin();
     frame.membersEnd = members.end();
     frame.isObject = true;
-    open_.push_back(frame);
+    return frame;
+  }
+
+  // Writes the separator and an empty container, or the separator and
+  // remembers the container for its elements.
+  template <typename Items>
+  void Open(const Items& items, std::string_view separator) {
+    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+    if (items.empty()) {
+      pending_.Commit(CopyShort(std::is_same_v<Items, Json::object> ? "{}" : "[]", 2, p));
+      return;
+    }
+    pending_.Commit(p);
+    open_.push_back(FrameOf(items));
   }
 
   // Writes the next element of the innermost container, or closes it.
@@ -339,13 +341,13 @@ void DumpStored(const std::string& value, std::string& out) {
 
 void DumpStored(const Json::array& values, std::string& out) {
   TreeWriter writer(out);
-  writer.Open(values);
+  writer.WriteAll(values);
   writer.Finish();
 }
 
 void DumpStored(const Json::object& values, std::string& out) {
   TreeWriter writer(out);
-  writer.Open(values);
+  writer.WriteAll(values);
   writer.Finish();
 }
 
