@@ -199,7 +199,8 @@ class PendingText {
 
 // Writes a value with all that is nested in it. The containers being written
 // are kept on the heap, innermost last, so the depth of a value costs heap
-// rather than stack; all pieces go through one pending text.
+// rather than stack; all pieces go through one pending text. Each container's
+// elements are written in a loop of their own until a nested container opens.
 class TreeWriter {
  public:
   explicit TreeWriter(std::string& out) : pending_(out) { open_.reserve(8); }
@@ -207,8 +208,15 @@ class TreeWriter {
   // Writes the whole of items (then call Finish).
   template <typename Items>
   void WriteAll(const Items& items) {
-    Open(items, std::string_view());
-    while (!open_.empty()) Step();
+    if (!Element(items)) open_.push_back(FrameOf(items));
+    while (!open_.empty()) {
+      Frame& top = open_.back();
+      if (top.isObject) {
+        ContinueObject(top);
+      } else {
+        ContinueArray(top);
+      }
+    }
   }
   void Finish() { pending_.Flush(); }
 
@@ -239,64 +247,85 @@ class TreeWriter {
     return frame;
   }
 
-  // Writes the separator and an empty container, or the separator and
-  // remembers the container for its elements.
-  template <typename Items>
-  void Open(const Items& items, std::string_view separator) {
-    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
-    if (items.empty()) {
-      pending_.Commit(CopyShort(std::is_same_v<Items, Json::object> ? "{}" : "[]", 2, p));
-      return;
+  // Writes elements of the innermost array (frame) up to the end, which it
+  // closes, or up to a nested container, which it opens.
+  void ContinueArray(Frame& frame) {
+    const Json* element = frame.element;
+    std::string_view separator = frame.first ? "[" : ", ";
+    while (element != frame.elementsEnd) {
+      const JsonValue& value = JsonAccess::Of(*element++);
+      if (!Element(separator, value)) {
+        frame.element = element;
+        frame.first = false;
+        return Open(value);  // frame is not used after this
+      }
+      separator = ", ";
     }
-    pending_.Commit(p);
-    open_.push_back(FrameOf(items));
+    Close("]");
   }
 
-  // Writes the next element of the innermost container, or closes it.
-  void Step() {
-    Frame& top = open_.back();
-    const bool done = top.isObject ? top.member == top.membersEnd : top.element == top.elementsEnd;
-    if (done) {
-      char* p = pending_.Next();
-      *p = top.isObject ? '}' : ']';
-      pending_.Commit(p + 1);
-      open_.pop_back();
-      return;
+  void ContinueObject(Frame& frame) {
+    auto member = frame.member;
+    std::string_view separator = frame.first ? "{" : ", ";
+    while (member != frame.membersEnd) {
+      const auto& [key, json] = *member++;
+      char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+      char* const keyEnd = WriteShortPlain(key, p);
+      if (keyEnd != nullptr) {
+        pending_.Commit(keyEnd);
+      } else {
+        pending_.Commit(p);
+        Quote(key, pending_.Flush());
+      }
+      const JsonValue& value = JsonAccess::Of(json);
+      if (!Element(": ", value)) {
+        frame.member = member;
+        frame.first = false;
+        return Open(value);
+      }
+      separator = ", ";
     }
-    const std::string_view separator = !top.first ? ", " : top.isObject ? "{" : "[";
-    top.first = false;
-    if (!top.isObject) {
-      Element(separator, JsonAccess::Of(*top.element++));  // may grow open_: top is not used after
-      return;
-    }
-    const auto& [key, value] = *top.member++;
-    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
-    char* const keyEnd = WriteShortPlain(key, p);
-    if (keyEnd != nullptr) {
-      pending_.Commit(keyEnd);
+    Close("}");
+  }
+
+  void Open(const JsonValue& container) {
+    if (container.kind() == JsonValue::Kind::kArray) {
+      open_.push_back(FrameOf(static_cast<const JsonArray&>(container).stored()));
     } else {
-      pending_.Commit(p);
-      Quote(key, pending_.Flush());
+      open_.push_back(FrameOf(static_cast<const JsonObject&>(container).stored()));
     }
-    Element(": ", JsonAccess::Of(value));
   }
 
-  // Writes the separator and a scalar, or the separator and the opening of
-  // a container.
-  void Element(std::string_view separator, const JsonValue& value) {
+  void Close(std::string_view text) {
+    pending_.Commit(CopyShort(text.data(), text.size(), pending_.Next()));
+    open_.pop_back();
+  }
+
+  // Writes the separator and the value, and returns true; for a container
+  // with elements writes only the separator and returns false (the caller
+  // opens it).
+  bool Element(std::string_view separator, const JsonValue& value) {
     char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
     char* const end = WriteScalar(value, p);
     if (end != nullptr) {
       pending_.Commit(end);
-      return;
+      return true;
     }
+    pending_.Commit(p);
     switch (value.kind()) {
-      case JsonValue::Kind::kArray: return Open(static_cast<const JsonArray&>(value).stored(), separator);
-      case JsonValue::Kind::kObject: return Open(static_cast<const JsonObject&>(value).stored(), separator);
-      default:
-        pending_.Commit(p);
-        value.dump(pending_.Flush());
+      case JsonValue::Kind::kArray: return Element(static_cast<const JsonArray&>(value).stored());
+      case JsonValue::Kind::kObject: return Element(static_cast<const JsonObject&>(value).stored());
+      default: value.dump(pending_.Flush()); return true;
     }
+  }
+
+  // Writes an empty container and returns true; false for one with elements.
+  template <typename Items>
+  bool Element(const Items& items) {
+    if (!items.empty()) return false;
+    const char* const text = std::is_same_v<Items, Json::object> ? "{}" : "[]";
+    pending_.Commit(CopyShort(text, 2, pending_.Next()));
+    return true;
   }
 
   PendingText pending_;
