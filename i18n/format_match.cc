@@ -5,7 +5,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cwchar>
-#include <map>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -35,9 +34,9 @@ union SlotValue {
 // The first placeholder of a position decides how its argument is formatted.
 struct Record {
   std::string directive;  // what snprintf gets: "%", flags, width, precision, kept length, conversion
-  std::string length;    // the length modifier as written
+  std::string_view length;    // the length modifier as written
   char conversion;
-  std::string position;  // the position digits as written
+  std::string_view position;  // the position digits as written
   Slot slot;
 };
 
@@ -62,13 +61,30 @@ std::string clampedNumber(std::string_view digits) {
   return std::to_string(value);
 }
 
+// Flags, width and precision of a placeholder as snprintf gets them.
+std::string clampedPrefix(std::string_view text, const placeholder::Match& match) {
+  const std::string_view width = text.substr(match.widthBegin, match.precisionBegin - match.widthBegin);
+  const bool hasPrecision = match.precisionBegin < match.lengthBegin;
+  const std::string_view precision =
+      hasPrecision ? text.substr(match.precisionBegin + 1, match.lengthBegin - match.precisionBegin - 1)
+                   : std::string_view();
+  constexpr size_t kShortDigits = 5;  // below kMaxValueBytes whatever they are
+  if (width.size() <= kShortDigits && precision.size() <= kShortDigits) {
+    return std::string(text.substr(match.begin, match.lengthBegin - match.begin));
+  }
+  std::string prefix(text.substr(match.begin, match.widthBegin - match.begin));
+  prefix += clampedNumber(width);
+  if (hasPrecision) prefix += '.' + clampedNumber(precision);
+  return prefix;
+}
+
 bool isIntegerConversion(char c) { return placeholder::isOneOf("diouxX", c); }
 
 // The length modifier handed on to snprintf: only those that the argument
 // read for it matches. "j", "z", "t" and "L" (and mixed "hl"/"lh") read an int
 // or a double like no modifier, so they are dropped rather than let snprintf
 // read a wider type than was passed.
-std::string keptLength(const std::string& length, char conversion) {
+std::string_view keptLength(std::string_view length, char conversion) {
   if (isIntegerConversion(conversion)) {
     return length == "hh" || length == "h" || length == "l" || length == "ll" ? length : "";
   }
@@ -76,7 +92,7 @@ std::string keptLength(const std::string& length, char conversion) {
   return "";
 }
 
-Slot slotOf(const std::string& length, char conversion) {
+Slot slotOf(std::string_view length, char conversion) {
   if (isIntegerConversion(conversion)) {
     if (length == "l") return Slot::kLong;
     if (length == "ll") return Slot::kLongLong;
@@ -129,17 +145,11 @@ std::string formatSlot(const Record& record, SlotValue value) {
 
 Record recordOf(std::string_view text, const placeholder::Match& match) {
   Record record;
-  record.length = std::string(text.substr(match.lengthBegin, match.lengthSize));
+  record.length = text.substr(match.lengthBegin, match.lengthSize);
   record.conversion = text[match.conversion];
-  record.position = std::string(text.substr(match.conversion + 1, match.positionSize));
+  record.position = text.substr(match.conversion + 1, match.positionSize);
   record.slot = slotOf(record.length, record.conversion);
-  record.directive = std::string(text.substr(match.begin, match.widthBegin - match.begin));
-  record.directive += clampedNumber(text.substr(match.widthBegin, match.precisionBegin - match.widthBegin));
-  if (match.precisionBegin < match.lengthBegin) {
-    record.directive += '.';
-    record.directive +=
-        clampedNumber(text.substr(match.precisionBegin + 1, match.lengthBegin - match.precisionBegin - 1));
-  }
+  record.directive = clampedPrefix(text, match);
   record.directive += keptLength(record.length, record.conversion);
   record.directive += record.conversion;
   return record;
@@ -154,21 +164,28 @@ std::string fillPlaceholders(const char* format, NextValue&& nextValue) {
   const std::string_view text(format);
   const std::vector<placeholder::Match> found = placeholder::scan(text);
 
-  std::map<int, Record> records;
-  for (const placeholder::Match& match : found) {
-    const int index = indexOf(text.substr(match.conversion + 1, match.positionSize));
-    if (index >= 0 && records.count(index) == 0) records.emplace(index, recordOf(text, match));
+  // Each position's first placeholder, in the order of the positions.
+  std::vector<std::pair<int, size_t>> firsts;
+  for (size_t i = 0; i < found.size(); ++i) {
+    const int index = indexOf(text.substr(found[i].conversion + 1, found[i].positionSize));
+    if (index >= 0) firsts.emplace_back(index, i);
   }
+  std::stable_sort(firsts.begin(), firsts.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  firsts.erase(std::unique(firsts.begin(), firsts.end(),
+                           [](const auto& a, const auto& b) { return a.first == b.first; }),
+               firsts.end());
 
   // Positions 1..K are visited in order; an index without a placeholder reads
   // no argument, and positions above K are never filled.
-  const int visited = static_cast<int>(records.size());
-  std::map<int, std::string> values;
-  for (int index = 0; index < visited; ++index) {
-    const auto record = records.find(index);
-    if (record == records.end()) continue;
-    std::optional<std::string> value = nextValue(record->second);
-    if (value) values.emplace(index, std::move(*value));
+  const size_t visited = firsts.size();
+  std::vector<std::optional<std::string>> values(visited);
+  std::vector<std::string_view> digitsOf(visited);
+  for (const auto& [index, first] : firsts) {
+    if (static_cast<size_t>(index) >= visited) break;
+    const Record record = recordOf(text, found[first]);
+    digitsOf[index] = record.position;
+    values[index] = nextValue(record);
   }
 
   // One pass over the format: inserted values are never searched again.
@@ -176,10 +193,12 @@ std::string fillPlaceholders(const char* format, NextValue&& nextValue) {
   size_t copied = 0;
   for (const placeholder::Match& match : found) {
     const std::string_view digits = text.substr(match.conversion + 1, match.positionSize);
-    const auto value = values.find(indexOf(digits));
-    if (value == values.end() || records.at(value->first).position != digits) continue;
+    const int index = indexOf(digits);
+    if (index < 0 || static_cast<size_t>(index) >= visited || !values[index] || digitsOf[index] != digits) {
+      continue;
+    }
     result.append(text.substr(copied, match.begin - copied));
-    result += value->second;
+    result += *values[index];
     copied = match.end();
   }
   result.append(text.substr(copied));
