@@ -7,6 +7,7 @@
 #include <cwchar>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -33,11 +34,12 @@ union SlotValue {
 
 // The first placeholder of a position decides how its argument is formatted.
 struct Record {
-  std::string directive;  // what snprintf gets: "%", flags, width, precision, kept length, conversion
-  std::string_view length;    // the length modifier as written
+  std::string directive;       // what snprintf gets: "%", flags, clamped width and
+                               // precision, kept length, conversion
+  std::string_view length;     // the length modifier as written
   char conversion;
-  std::string_view position;  // the position digits as written
-  Slot slot;
+  std::string_view position;   // the position digits as written
+  Slot slot;                   // what the variadic form reads
 };
 
 // The position digits as an argument index; -1 for position 0 and for
