@@ -4,12 +4,15 @@
 // number's text changes representation, see below); err is left as the caller
 // set it. When it fails: the result is null and err begins with one of the
 // parser's messages. parse_multi never returns more values than the input has
-// bytes.
+// bytes. Whatever the result, wrapping it in eight levels of arrays per input
+// byte (built in code, beyond the parser's limit) dumps as brackets around its
+// text and is released, within the memory and time bounds below.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "fuzz_bounds.h"
 #include "json11/json11.h"
 
 namespace {
@@ -51,7 +54,23 @@ bool HasNaN(const Json& value) {
   }
 }
 
+// Dumps value wrapped in depth arrays and checks the text.
+void CheckDeepWrap(const Json& value, size_t depth) {
+  const std::string inner = value.dump();
+  Json deep = value;
+  for (size_t i = 0; i < depth; ++i) deep = Json(Json::array{deep});
+  const std::string text = deep.dump();
+  if (text.size() != inner.size() + 2 * depth ||
+      text.compare(0, depth, std::string(depth, '[')) != 0 ||
+      text.compare(depth, inner.size(), inner) != 0 ||
+      text.compare(depth + inner.size(), depth, std::string(depth, ']')) != 0) {
+    abort();
+  }
+}
+
 }  // namespace
+
+FUZZ_DEFAULT_BOUNDS(1024, 10)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string text(reinterpret_cast<const char*>(data), size);
@@ -75,5 +94,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string multi_err;
   std::vector<Json> values = Json::parse_multi(text, multi_err);
   if (values.size() > size) abort();
+  CheckDeepWrap(value, 8 * size);
   return 0;
 }

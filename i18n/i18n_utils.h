@@ -12,6 +12,7 @@
 #ifndef TESSEL_I18N_I18N_UTILS_H_
 #define TESSEL_I18N_I18N_UTILS_H_
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -22,6 +23,7 @@
 
 #include "common/tessel_export.h"
 #include "i18n/entry.h"
+#include "i18n/format_argument.h"
 #include "i18n/mo.h"
 
 namespace I18N {
@@ -104,9 +106,26 @@ class TESSEL_API I18nUtils {
   // verbatim and never searched again. Positions must run 1 to K without
   // gaps; a gap skips an index without reading an argument and leaves higher
   // positions unfilled. Anything else ("%d", "%%", "%1$s", position 0,
-  // positions beyond the int range) stays as it is. A value is cut to 102397
-  // bytes. A null format gives an empty string. Thread-safe.
+  // positions beyond the int range) stays as it is. A width or precision
+  // above 102397 counts as 102397, and a value is cut to 102397 bytes. A null
+  // format gives an empty string. Thread-safe.
+  //
+  // This form trusts the format: an argument of another type than a
+  // placeholder calls for, or fewer arguments than positions, is undefined
+  // behaviour as with printf. C++ callers with one or more arguments get the
+  // template below instead; a call with the format alone still lands here
+  // (the language prefers a non-template on a tie), so write
+  // formatMatch<>(format) for a format of unknown origin without arguments.
   static std::string formatMatch(const char* format, ...);
+  // The checked form for formats that come from translations: the same text
+  // as the variadic form for every call that is well typed for it, but a
+  // placeholder whose conversion does not fit its argument's type, or that
+  // has no argument left, stays as written (see formatMatchArguments).
+  template <typename... Args>
+  static std::string formatMatch(const char* format, const Args&... args) {
+    const std::array<FormatArgument, sizeof...(Args)> arguments{FormatArgument(args)...};
+    return formatMatchArguments(format, arguments.data(), arguments.size());
+  }
 
  private:
   I18nUtils();

@@ -19,6 +19,8 @@ namespace placeholder {
 
 struct Match {
   size_t begin;            // offset of the "%"
+  size_t widthBegin;       // offset of the width digits (may be empty)
+  size_t precisionBegin;   // offset of the "." of the precision, or lengthBegin
   size_t lengthBegin;      // offset of the length modifier (may be empty)
   size_t lengthSize;       // 0, 1 or 2
   size_t conversion;       // offset of the conversion character
@@ -41,7 +43,9 @@ inline bool matchAt(std::string_view text, size_t at, Match& match) {
   };
   skip([](char c) { return c == '-'; });
   skip([](char c) { return isOneOf("+# 0", c); });
+  match.widthBegin = p;
   skip(isDigit);
+  match.precisionBegin = p;
   if (p < n && text[p] == '.') ++p;
   skip(isDigit);
   match.lengthBegin = p;

@@ -4,7 +4,9 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <new>
+#include <vector>
 
 #include "json11/json_value.h"
 
@@ -48,6 +50,66 @@ const Json& JsonObject::operator[](const std::string& key) const {
   auto it = m_value.find(key);
   return it == m_value.end() ? Statics().null_json : it->second;
 }
+
+// ---- releasing nested containers ----
+
+namespace {
+
+using Handle = std::shared_ptr<const JsonValue>;
+
+// The containers waiting to be released by the outermost container
+// destructor running on this thread; null when none runs.
+thread_local std::vector<Handle>* t_releasing = nullptr;
+
+// Moves the handle into pending when it holds the last reference to a
+// container, so that its release happens in the loop below rather than
+// inside the destructor of its parent. Leaves it in place when memory for
+// the list runs out.
+void TakeIfLastContainer(Json& json, std::vector<Handle>& pending) noexcept {
+  Handle& handle = JsonAccess::Handle(json);
+  if (handle.use_count() != 1) return;
+  const JsonValue::Kind kind = handle->kind();
+  if (kind != JsonValue::Kind::kArray && kind != JsonValue::Kind::kObject) return;
+  try {
+    pending.push_back(std::move(handle));
+  } catch (...) {
+  }
+}
+
+void TakeNested(Json::array& items, std::vector<Handle>& pending) noexcept {
+  for (Json& item : items) TakeIfLastContainer(item, pending);
+}
+
+void TakeNested(Json::object& members, std::vector<Handle>& pending) noexcept {
+  for (auto& member : members) TakeIfLastContainer(member.second, pending);
+}
+
+// Called by a container's destructor with its own items. Inside an outer
+// release the nested containers join that release's list; otherwise this
+// call becomes the outer release and drains the list, each container
+// released there adding its own nested ones.
+template <typename Items>
+void ReleaseNested(Items& items) noexcept {
+  if (t_releasing != nullptr) {
+    TakeNested(items, *t_releasing);
+    return;
+  }
+  std::vector<Handle> pending;
+  TakeNested(items, pending);
+  if (pending.empty()) return;
+  t_releasing = &pending;
+  while (!pending.empty()) {
+    Handle last = std::move(pending.back());
+    pending.pop_back();
+    last.reset();
+  }
+  t_releasing = nullptr;
+}
+
+}  // namespace
+
+JsonArray::~JsonArray() { ReleaseNested(m_value); }
+JsonObject::~JsonObject() { ReleaseNested(m_value); }
 
 // ---- numbers ----
 
@@ -112,7 +174,10 @@ Json::Json(Json&& other) noexcept : m_ptr(std::move(other.m_ptr)) {
 }
 Json& Json::operator=(const Json& other) noexcept = default;
 Json& Json::operator=(Json&& other) noexcept {
-  m_ptr.swap(other.m_ptr);
+  if (this != &other) {
+    m_ptr = std::move(other.m_ptr);
+    other.m_ptr = Statics().null_json.m_ptr;
+  }
   return *this;
 }
 Json::~Json() = default;

@@ -3,7 +3,11 @@
 // and a shape check. Copies share one reference-counted value; nothing changes
 // a value after it is made, so any number of threads may read, copy, compare
 // and dump the same values at once. Only a Json handle itself must not be
-// assigned on one thread while another thread reads it.
+// assigned on one thread while another thread reads it. Values built in code
+// may nest to any depth: releasing and dumping them uses heap, not stack, in
+// proportion to the depth; comparing (==, <, ...) recurses one call per
+// level, so compare values nested deeper than some tens of thousands of
+// levels only on a thread with a stack to match.
 #ifndef TESSEL_JSON11_JSON11_H_
 #define TESSEL_JSON11_JSON11_H_
 

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <string_view>
 #include <system_error>
+#include <type_traits>
+#include <vector>
 
 #include "json11/byte_scan.h"
 #include "json11/double_text.h"
@@ -140,15 +142,17 @@ char* WriteNumber(double value, char* out) {
 // Room that WriteScalar may use (the double writer's fixed-size copies).
 constexpr size_t kScalarCapacity = kShortText + kDoubleTextCapacity;
 
-// Writes the text of a number, a short plain string or a shared constant
-// (found by identity) at out (kScalarCapacity bytes) and returns its end;
-// nullptr for every other value, which its own dump slot writes.
+// Writes the text of a number, a short plain string, null or a boolean at out
+// (kScalarCapacity bytes) and returns its end; nullptr for long or escaped
+// strings and for containers.
 char* WriteScalar(const JsonValue& value, char* out) {
   switch (value.kind()) {
     case JsonValue::Kind::kInt: return WriteNumber(static_cast<const JsonInt&>(value).stored(), out);
     case JsonValue::Kind::kLong: return WriteNumber(static_cast<const JsonLong&>(value).stored(), out);
     case JsonValue::Kind::kDouble: return WriteNumber(static_cast<const JsonDouble&>(value).stored(), out);
     case JsonValue::Kind::kString: return WriteShortPlain(static_cast<const JsonString&>(value).stored(), out);
+    case JsonValue::Kind::kArray:
+    case JsonValue::Kind::kObject: return nullptr;
     case JsonValue::Kind::kOther: break;
   }
   const JsonStatics& statics = Statics();
@@ -159,10 +163,6 @@ char* WriteScalar(const JsonValue& value, char* out) {
     text = "true";
   } else if (&value == &statics.false_value) {
     text = "false";
-  } else if (&value == &statics.empty_array) {
-    text = "[]";
-  } else if (&value == &statics.empty_object) {
-    text = "{}";
   } else {
     return nullptr;
   }
@@ -198,14 +198,140 @@ class PendingText {
   char buffer_[2 * kPieceCapacity + 128];
 };
 
-// Writes the separator (or opening bracket) and the value: in the pending
-// text when it is a scalar, else through its own dump slot.
-void WriteElement(std::string_view separator, const JsonValue& value, PendingText& pending) {
-  char* p = CopyShort(separator.data(), separator.size(), pending.Next());
-  char* const end = WriteScalar(value, p);
-  pending.Commit(end != nullptr ? end : p);
-  if (end == nullptr) value.dump(pending.Flush());
-}
+// Writes a value with all that is nested in it. The containers being written
+// are kept on the heap, innermost last, so the depth of a value costs heap
+// rather than stack; all pieces go through one pending text. Each container's
+// elements are written in a loop of their own until a nested container opens.
+class TreeWriter {
+ public:
+  explicit TreeWriter(std::string& out) : pending_(out) { open_.reserve(8); }
+
+  // Writes the whole of items (then call Finish).
+  template <typename Items>
+  void WriteAll(const Items& items) {
+    if (!Element(items)) open_.push_back(FrameOf(items));
+    while (!open_.empty()) {
+      Frame& top = open_.back();
+      if (top.isObject) {
+        ContinueObject(top);
+      } else {
+        ContinueArray(top);
+      }
+    }
+  }
+  void Finish() { pending_.Flush(); }
+
+ private:
+  // Where a container being written has got to; the array fields serve
+  // arrays, the member fields objects.
+  struct Frame {
+    const Json* element = nullptr;
+    const Json* elementsEnd = nullptr;
+    Json::object::const_iterator member;
+    Json::object::const_iterator membersEnd;
+    bool isObject = false;
+    bool first = true;
+  };
+
+  static Frame FrameOf(const Json::array& items) {
+    Frame frame;
+    frame.element = items.data();
+    frame.elementsEnd = items.data() + items.size();
+    return frame;
+  }
+
+  static Frame FrameOf(const Json::object& members) {
+    Frame frame;
+    frame.member = members.begin();
+    frame.membersEnd = members.end();
+    frame.isObject = true;
+    return frame;
+  }
+
+  // Writes elements of the innermost array (frame) up to the end, which it
+  // closes, or up to a nested container, which it opens.
+  void ContinueArray(Frame& frame) {
+    const Json* element = frame.element;
+    std::string_view separator = frame.first ? "[" : ", ";
+    while (element != frame.elementsEnd) {
+      const JsonValue& value = JsonAccess::Of(*element++);
+      if (!Element(separator, value)) {
+        frame.element = element;
+        frame.first = false;
+        return Open(value);  // frame is not used after this
+      }
+      separator = ", ";
+    }
+    Close("]");
+  }
+
+  void ContinueObject(Frame& frame) {
+    auto member = frame.member;
+    std::string_view separator = frame.first ? "{" : ", ";
+    while (member != frame.membersEnd) {
+      const auto& [key, json] = *member++;
+      char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+      char* const keyEnd = WriteShortPlain(key, p);
+      if (keyEnd != nullptr) {
+        pending_.Commit(keyEnd);
+      } else {
+        pending_.Commit(p);
+        Quote(key, pending_.Flush());
+      }
+      const JsonValue& value = JsonAccess::Of(json);
+      if (!Element(": ", value)) {
+        frame.member = member;
+        frame.first = false;
+        return Open(value);
+      }
+      separator = ", ";
+    }
+    Close("}");
+  }
+
+  void Open(const JsonValue& container) {
+    if (container.kind() == JsonValue::Kind::kArray) {
+      open_.push_back(FrameOf(static_cast<const JsonArray&>(container).stored()));
+    } else {
+      open_.push_back(FrameOf(static_cast<const JsonObject&>(container).stored()));
+    }
+  }
+
+  void Close(std::string_view text) {
+    pending_.Commit(CopyShort(text.data(), text.size(), pending_.Next()));
+    open_.pop_back();
+  }
+
+  // Writes the separator and the value, and returns true; for a container
+  // with elements writes only the separator and returns false (the caller
+  // opens it).
+  bool Element(std::string_view separator, const JsonValue& value) {
+    char* p = CopyShort(separator.data(), separator.size(), pending_.Next());
+    char* const end = WriteScalar(value, p);
+    if (end != nullptr) {
+      pending_.Commit(end);
+      return true;
+    }
+    pending_.Commit(p);
+    switch (value.kind()) {
+      case JsonValue::Kind::kArray: return Element(static_cast<const JsonArray&>(value).stored());
+      case JsonValue::Kind::kObject: return Element(static_cast<const JsonObject&>(value).stored());
+      default: value.dump(pending_.Flush()); return true;
+    }
+  }
+
+  // Writes an empty container and returns true; false for one with elements.
+  template <typename Items>
+  bool Element(const Items& items) {
+    if (!items.empty()) return false;
+    const char* const text = std::is_same_v<Items, Json::object> ? "{}" : "[]";
+    pending_.Commit(CopyShort(text, 2, pending_.Next()));
+    return true;
+  }
+
+  PendingText pending_;
+  std::vector<Frame> open_;
+};
 
 }  // namespace
 
@@ -244,39 +370,15 @@ void DumpStored(const std::string& value, std::string& out) {
 }
 
 void DumpStored(const Json::array& values, std::string& out) {
-  if (values.empty()) {
-    out.append("[]", 2);
-    return;
-  }
-  PendingText pending(out);
-  std::string_view separator = "[";
-  for (const Json& value : values) {
-    WriteElement(separator, JsonAccess::Of(value), pending);
-    separator = ", ";
-  }
-  pending.Flush().push_back(']');
+  TreeWriter writer(out);
+  writer.WriteAll(values);
+  writer.Finish();
 }
 
 void DumpStored(const Json::object& values, std::string& out) {
-  if (values.empty()) {
-    out.append("{}", 2);
-    return;
-  }
-  PendingText pending(out);
-  std::string_view separator = "{";
-  for (const auto& [key, value] : values) {
-    char* p = CopyShort(separator.data(), separator.size(), pending.Next());
-    char* const key_end = WriteShortPlain(key, p);
-    if (key_end != nullptr) {
-      pending.Commit(key_end);
-    } else {
-      pending.Commit(p);
-      Quote(key, pending.Flush());
-    }
-    WriteElement(": ", JsonAccess::Of(value), pending);
-    separator = ", ";
-  }
-  pending.Flush().push_back('}');
+  TreeWriter writer(out);
+  writer.WriteAll(values);
+  writer.Finish();
 }
 
 void Json::dump(std::string& out) const { m_ptr->dump(out); }

@@ -17,9 +17,10 @@ namespace json11 {
 
 class JsonValue {
  public:
-  // Which number or string class a value is, so that the writer can format
-  // it together with the separators around it; kOther for the other classes.
-  enum class Kind : unsigned char { kOther, kInt, kLong, kDouble, kString };
+  // Which number, string or container class a value is, so that the writer
+  // can format it together with the separators around it and the destructor
+  // can find nested containers; kOther for null and booleans.
+  enum class Kind : unsigned char { kOther, kInt, kLong, kDouble, kString, kArray, kObject };
 
   explicit JsonValue(Kind kind) : kind_(kind) {}
   Kind kind() const { return kind_; }
@@ -78,7 +79,9 @@ class Value : public JsonValue {
   void dump(std::string& out) const override { DumpStored(m_value, out); }
 
  protected:
-  const T m_value;
+  // Never changed after construction, except that a container's destructor
+  // takes out nested containers to release them without recursion.
+  T m_value;
 };
 
 class JsonNull final : public Value<Json::Null, std::nullptr_t> {
@@ -131,16 +134,23 @@ class JsonString final : public Value<Json::String, std::string> {
   const std::string& string_value() const override;
 };
 
+// Releasing a container releases the containers nested in it one after
+// another on the heap instead of one inside the other on the stack, so that
+// values of any depth are destroyed without exhausting the stack.
 class JsonArray final : public Value<Json::Array, Json::array> {
  public:
-  using Value::Value;
+  explicit JsonArray(const Json::array& values) : Value(values, Kind::kArray) {}
+  explicit JsonArray(Json::array&& values) : Value(std::move(values), Kind::kArray) {}
+  ~JsonArray() override;
   const Json::array& array_items() const override;
   const Json& operator[](size_t i) const override;
 };
 
 class JsonObject final : public Value<Json::Object, Json::object> {
  public:
-  using Value::Value;
+  explicit JsonObject(const Json::object& values) : Value(values, Kind::kObject) {}
+  explicit JsonObject(Json::object&& values) : Value(std::move(values), Kind::kObject) {}
+  ~JsonObject() override;
   const Json::object& object_items() const override;
   const Json& operator[](const std::string& key) const override;
 };
@@ -155,6 +165,7 @@ struct JsonAccess {
     return Json(std::make_shared<V>(std::forward<Args>(args)...));
   }
   static const JsonValue& Of(const Json& json) noexcept { return *json.m_ptr; }
+  static std::shared_ptr<const JsonValue>& Handle(Json& json) noexcept { return json.m_ptr; }
 };
 
 // The process-wide constants, made once on first use (thread-safe) in static

@@ -1,6 +1,8 @@
 // Hostile nesting: the JSON parser must refuse 100,000 opening brackets with
 // its depth message, quickly and without exhausting the stack (the limit is
 // 200, so the recursion never goes deeper than that whatever the input).
+// Values built in code have no limit: they must dump and be released at any
+// depth.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -42,6 +44,24 @@ TEST(DeepNesting, ParseMultiStopsAtTheFirstTooDeepValue) {
   EXPECT_EQ(values[0], Json(1));
   EXPECT_TRUE(values[1].is_null());
   EXPECT_EQ(err, "exceeded maximum nesting depth");
+}
+
+TEST(DeepNesting, MillionLevelsBuiltInCodeDumpAndReleaseWithSharedPartsKept) {
+  constexpr size_t kDepth = 1000000;
+  Json shared = Json::object{{"k", Json::array{1}}};
+  Json deep = shared;
+  for (size_t i = 0; i < kDepth; ++i) {
+    deep = i % 2 == 0 ? Json(Json::array{deep}) : Json(Json::object{{"k", deep}});
+  }
+  const Json keeper = deep["k"][0];  // holds all but the two outermost levels
+  const std::string expected =
+      Repeat("{\"k\": [", kDepth / 2) + shared.dump() + Repeat("]}", kDepth / 2);
+  EXPECT_TRUE(deep.dump() == expected);
+  deep = Json();
+  // Releasing the outer levels took nothing from the parts still held.
+  const Json* level = &keeper;
+  for (size_t i = kDepth - 2; i-- > 0;) level = i % 2 == 0 ? &(*level)[0] : &(*level)["k"];
+  EXPECT_EQ(*level, shared);
 }
 
 }  // namespace

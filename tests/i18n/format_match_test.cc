@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cwchar>
 #include <limits>
@@ -14,6 +16,11 @@
 namespace {
 
 using I18N::I18nUtils;
+
+// The exported variadic form, which the template overload takes over for
+// calls with arguments.
+using Variadic = std::string (*)(const char*, ...);
+const Variadic kVariadic = &I18nUtils::formatMatch;
 
 TEST(FormatMatch, PositionsReorderRepeatAndSkip) {
   EXPECT_EQ(I18nUtils::formatMatch("%s1 sent %d2 messages", "Ann", 3), "Ann sent 3 messages");
@@ -75,6 +82,71 @@ TEST(FormatMatch, LongValuesAreCut) {
   const std::string result = I18nUtils::formatMatch("<%s1>", big.c_str());
   EXPECT_EQ(result, "<" + std::string(102397, 'v') + ">");
   EXPECT_EQ(I18nUtils::formatMatch("%300d1", 1).size(), 300u);
+}
+
+TEST(FormatMatch, HugeWidthAndPrecisionCountAsTheCut) {
+  EXPECT_EQ(kVariadic("%999999999d1", 7), std::string(102396, ' ') + "7");
+  EXPECT_EQ(I18nUtils::formatMatch("%.999999999d1", 7), std::string(102396, '0') + "7");
+  EXPECT_EQ(I18nUtils::formatMatch("%99999999999999999999s1|", "x"), std::string(102396, ' ') + "x|");
+}
+
+TEST(FormatMatch, TypedFormLeavesPlaceholdersWithoutAFittingArgument) {
+  EXPECT_EQ(I18nUtils::formatMatch("%s1 neue Nachrichten", 5), "%s1 neue Nachrichten");
+  // Position 2 takes the first argument, which is no string; 3 is never visited.
+  EXPECT_EQ(I18nUtils::formatMatch("Von %s2: %d3 Dateien", 7, "Ann", 9), "Von %s2: %d3 Dateien");
+  EXPECT_EQ(I18nUtils::formatMatch("%d1 %s2 %p3 %d4", 1, "x"), "1 x %p3 %d4");
+  EXPECT_EQ(I18nUtils::formatMatch<>("%s1 %d2"), "%s1 %d2");
+  EXPECT_EQ(I18nUtils::formatMatch("%f1 %d2 %ls3 %s4 %p5", 3, 2.5, "narrow", L"wide", 8),
+            "%f1 %d2 %ls3 %s4 %p5");
+  // An argument that does not fit is still used up.
+  EXPECT_EQ(I18nUtils::formatMatch("%d1 %s2", "a", "b"), "%d1 b");
+  // Integers of any width fit every integer conversion, converted as by a cast.
+  EXPECT_EQ(I18nUtils::formatMatch("%lld1 %hhd2 %d3 %c4 %s5", 5, 257LL, true, 'A', std::string("str")),
+            "5 1 1 A str");
+}
+
+// Random formats over six arguments of fixed types: every position 1..K
+// occurs, each with a conversion its argument fits and random flags, width,
+// precision, order and repeats.
+TEST(FormatMatch, TypedFormAgreesWithVariadicOnWellTypedCalls) {
+  const std::vector<std::vector<std::string>> fitting = {
+      {"d", "i", "o", "u", "x", "X", "c", "hhd", "hu", "jd", "zx", "Lu"},
+      {"s", "p"},
+      {"f", "e", "E", "g", "G", "a", "A", "F", "Lf"},
+      {"lld", "llx", "llu", "lli", "llo"},
+      {"ld", "lx", "lu"},
+      {"ls", "p"}};
+  const char* const words[] = {"", "Ann", "%s1", "longer text with spaces"};
+  const wchar_t* const wideWords[] = {L"", L"wide", L"%d2"};
+  std::mt19937_64 random(15);
+  auto pick = [&random](size_t n) { return static_cast<size_t>(random() % n); };
+  for (int round = 0; round < 3000; ++round) {
+    std::vector<std::string> placeholders;
+    const size_t positions = 1 + pick(fitting.size());
+    for (size_t p = 1; p <= positions; ++p) {
+      for (size_t copies = 1 + pick(2); copies > 0; --copies) {
+        std::string text = "%";
+        for (const char* flag : {"-", "+", "#", " ", "0"}) text += pick(3) == 0 ? flag : "";
+        if (pick(2) != 0) text += std::to_string(pick(25));
+        if (pick(2) != 0) text += "." + std::to_string(pick(12));
+        text += fitting[p - 1][pick(fitting[p - 1].size())] + std::to_string(p);
+        placeholders.push_back(text);
+      }
+    }
+    std::shuffle(placeholders.begin(), placeholders.end(), random);
+    std::string format = "<";
+    for (const std::string& placeholder : placeholders) format += placeholder + " | ";
+
+    const int i = static_cast<int>(random());
+    const char* const word = words[pick(4)];
+    const double real = std::ldexp(static_cast<double>(static_cast<int>(random())), pick(80) - 40);
+    const long long wide = static_cast<long long>(random());
+    const long sized = static_cast<long>(random());
+    const wchar_t* const wideWord = wideWords[pick(3)];
+    ASSERT_EQ(I18nUtils::formatMatch(format.c_str(), i, word, real, wide, sized, wideWord),
+              kVariadic(format.c_str(), i, word, real, wide, sized, wideWord))
+        << format;
+  }
 }
 
 // The scanner against the pattern itself, run by the standard library's

@@ -147,6 +147,10 @@ TEST(JsonValue, CopiesShareAndMovedFromIsNull) {
   assigned = Json("other");
   EXPECT_EQ(assigned.string_value(), "other");
   EXPECT_EQ(copy.array_items().size(), 3u);
+  Json source = copy;
+  assigned = std::move(source);
+  EXPECT_EQ(&assigned.array_items(), &copy.array_items());
+  EXPECT_TRUE(source.is_null());  // NOLINT(bugprone-use-after-move): documented state
 }
 
 // Several threads make their first use of the shared constants and read,
