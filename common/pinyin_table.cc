@@ -3,6 +3,7 @@
 // SUPPLEMENT. Do not edit; regenerate with `python3 tools/gen_pinyin_table.py`
 // (`--check` compares with this file).
 // 21699 characters in all, 20902 distinct.
+// Source version: unicode-data 15.0.0-1
 #include "common/pinyin_table.h"
 
 namespace tessel {

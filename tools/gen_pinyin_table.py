@@ -25,6 +25,7 @@ sys.dont_write_bytecode = True  # keep tools/ free of __pycache__
 import table_output  # noqa: E402
 
 UNIHAN_READINGS = "/usr/share/unicode/Unihan_Readings.txt.bz2"
+SOURCE_PACKAGE = "unicode-data"
 FIELDS = ("kMandarin", "kXHC1983")
 
 SYLLABLES = """
@@ -120,7 +121,7 @@ def build_rows(readings):
     return rows
 
 
-def render(version, rows):
+def render(version, package_version, rows):
     total = sum(len(chars) for chars in rows.values())
     distinct = len({cp for chars in rows.values() for cp in chars})
     lines = [
@@ -129,6 +130,7 @@ def render(version, rows):
         "// SUPPLEMENT. Do not edit; regenerate with `python3 tools/gen_pinyin_table.py`",
         "// (`--check` compares with this file).",
         f"// {total} characters in all, {distinct} distinct.",
+        table_output.source_line(SOURCE_PACKAGE, package_version),
         '#include "common/pinyin_table.h"',
         "",
         "namespace tessel {",
@@ -167,7 +169,9 @@ def main():
     if not os.path.exists(path):
         table_output.skip(f"{path} not found: install the Debian package unicode-data")
     version, readings = read_unihan(path)
-    table_output.emit(args, render(version, build_rows(readings)))
+    package_version = table_output.debian_package_version(SOURCE_PACKAGE)
+    table_output.emit(args, render(version, package_version, build_rows(readings)),
+                      SOURCE_PACKAGE, package_version)
 
 
 if __name__ == "__main__":
