@@ -26,8 +26,8 @@ using std::chrono::milliseconds;
 // Every wait is bounded: a fault shows up as a failed expectation.
 constexpr auto kWatchdog = std::chrono::seconds(20);
 
-// Watches callbacks made by Callback(): when each call started, and when and
-// where the last copy of the callable was released.
+// Watches the callbacks made by Callback(): when each call started, and how
+// many callables were released, the last of them where.
 class Tracker : public std::enable_shared_from_this<Tracker> {
  public:
   // A callback that records its call, then runs `body` (given the call's
@@ -49,8 +49,8 @@ class Tracker : public std::enable_shared_from_this<Tracker> {
   bool WaitForCalls(int n) {
     return WaitUntil([n](const Tracker& t) { return t.calls_.size() >= std::size_t(n); });
   }
-  bool WaitForRelease() {
-    return WaitUntil([](const Tracker& t) { return t.released_; });
+  bool WaitForRelease(int n = 1) {
+    return WaitUntil([n](const Tracker& t) { return t.releases_ >= n; });
   }
 
   int calls() {
@@ -63,7 +63,7 @@ class Tracker : public std::enable_shared_from_this<Tracker> {
   }
   bool released() {
     std::lock_guard<std::mutex> lock(mutex_);
-    return released_;
+    return releases_ > 0;
   }
   std::thread::id released_on() {
     std::lock_guard<std::mutex> lock(mutex_);
@@ -84,7 +84,7 @@ class Tracker : public std::enable_shared_from_this<Tracker> {
   }
   void Released() {
     std::lock_guard<std::mutex> lock(mutex_);
-    released_ = true;
+    ++releases_;
     released_on_ = std::this_thread::get_id();
     changed_.notify_all();
   }
@@ -93,7 +93,7 @@ class Tracker : public std::enable_shared_from_this<Tracker> {
   std::condition_variable changed_;
   std::vector<Clock::time_point> calls_;
   std::thread::id called_on_;
-  bool released_ = false;
+  int releases_ = 0;
   std::thread::id released_on_;
 };
 
@@ -142,25 +142,27 @@ TEST(MessageLoopTimer, OneShotFiresOnceNoEarlierThanItsIntervalOnTheTimerThread)
   timer.InvalidateTimer(id);  // finished: ignored
 }
 
-// Ticks are due at start + k * interval, whatever each callback cost, so the
-// 200th tick of 5 ms is less than one tick late. A tick is never early.
+// Ticks are due at start + k * interval, whatever each callback costs: they
+// stay in phase with the first tick instead of drifting. A tick is never
+// early. A loaded machine may make single ticks late, or skip some.
 TEST(MessageLoopTimer, RepeatsWithoutDrift) {
   tessel::MessageLoopTimer timer;
   auto tracker = NewTracker();
   const auto period = milliseconds(5);
   const Clock::time_point start = Clock::now();
-  const int id = timer.CreateTimer(0.005, true, tracker->Callback());
+  const int id = timer.CreateTimer(0.005, true, tracker->Callback([](int) {
+    std::this_thread::sleep_for(std::chrono::microseconds(500));  // some work
+  }));
   ASSERT_TRUE(tracker->WaitForCalls(200));
   timer.InvalidateTimer(id);
-  Clock::duration least_late = Clock::duration::max();
+  int in_phase = 0;
   for (int i = 0; i < 200; ++i) {
-    const Clock::duration late = tracker->call_time(i) - (start + period * (i + 1));
-    EXPECT_GE(late, Clock::duration::zero()) << "tick " << i + 1;
-    // The least late of the last ticks: scheduling noise makes single ticks
-    // late, drift makes all of them late.
-    if (i >= 180) least_late = std::min(least_late, late);
+    const Clock::duration since_start = tracker->call_time(i) - start;
+    EXPECT_GE(since_start, period * (i + 1)) << "call " << i + 1;
+    in_phase += since_start % period < period / 5;
   }
-  EXPECT_LT(least_late, period);
+  // A drifting timer's calls wander evenly over the whole period.
+  EXPECT_GT(in_phase, 100);
 }
 
 TEST(MessageLoopTimer, RepeatsNoMoreOftenThanEveryMillisecond) {
@@ -168,9 +170,9 @@ TEST(MessageLoopTimer, RepeatsNoMoreOftenThanEveryMillisecond) {
   auto tracker = NewTracker();
   const Clock::time_point start = Clock::now();
   const int id = timer.CreateTimer(0.0, true, tracker->Callback());
-  ASSERT_TRUE(tracker->WaitForCalls(20));
+  ASSERT_TRUE(tracker->WaitForCalls(50));
   timer.InvalidateTimer(id);
-  EXPECT_GE(tracker->call_time(19) - start, milliseconds(20));
+  for (int i = 0; i < 50; ++i) EXPECT_GE(tracker->call_time(i) - start, milliseconds(i + 1));
 }
 
 // A callback that overruns two ticks is not followed by two calls back to
@@ -197,7 +199,9 @@ TEST(MessageLoopTimer, InvalidatedFromAnotherThreadNeverStartsAgain) {
     trackers.push_back(NewTracker());
     const int id = timer.CreateTimer(0.001, true, trackers.back()->Callback());
     ASSERT_GT(id, 0);
-    if (round % 3 != 0) ASSERT_TRUE(trackers.back()->WaitForCalls(round % 3));
+    if (round % 3 != 0) {
+      ASSERT_TRUE(trackers.back()->WaitForCalls(round % 3));
+    }
     timer.InvalidateTimer(id);
   }
   std::vector<int> calls;
@@ -252,18 +256,20 @@ TEST(MessageLoopTimer, DestroyedInsideItsOwnCallbackDoesNotDeadlock) {
   EXPECT_EQ(tracker->released_on(), tracker->called_on());
 }
 
-// Many pending timers: identifiers stay positive and distinct, half of them
-// are invalidated, and exactly the other half fire, once each.
+// Many pending timers: identifiers stay positive and distinct; the half
+// that is invalidated (due far later) never fires, the other half fires once
+// each.
 TEST(MessageLoopTimer, HundredThousandPendingTimers) {
   constexpr int kTimers = 100000;
   tessel::MessageLoopTimer timer;
   auto fired = std::make_shared<std::vector<std::atomic<int>>>(kTimers);
-  auto tracker = NewTracker();  // counts the calls of the kept half
+  auto tracker = NewTracker();  // counts every call
   std::unordered_set<int> ids;
   std::vector<int> by_index;
   for (int i = 0; i < kTimers; ++i) {
     auto count = tracker->Callback();
-    const int id = timer.CreateTimer((i % 50) * 1e-3, false, [fired, i, count] {
+    const double interval = i % 2 == 0 ? (i % 50) * 1e-3 : 30.0;
+    const int id = timer.CreateTimer(interval, false, [fired, i, count] {
       ++(*fired)[i];
       count();
     });
@@ -274,8 +280,7 @@ TEST(MessageLoopTimer, HundredThousandPendingTimers) {
   EXPECT_EQ(ids.size(), std::size_t(kTimers));
   for (int i = 1; i < kTimers; i += 2) timer.InvalidateTimer(by_index[i]);
   ASSERT_TRUE(tracker->WaitForCalls(kTimers / 2));
-  LetTicksPass(timer, milliseconds(60));
-  EXPECT_TRUE(tracker->WaitForRelease());
+  EXPECT_TRUE(tracker->WaitForRelease(kTimers));  // fired or not
   int wrong = 0;
   for (int i = 0; i < kTimers; ++i) wrong += (*fired)[i] != (i % 2 == 0 ? 1 : 0);
   EXPECT_EQ(wrong, 0);
