@@ -6,7 +6,9 @@
 #ifndef TESSEL_COMMON_LOGGER_H_
 #define TESSEL_COMMON_LOGGER_H_
 
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "common/tessel_export.h"
@@ -33,9 +35,11 @@ enum LogLevel : int {
 };
 
 // Copies share one sink. The level methods take no lock and call the sink on
-// the caller's thread; an exception from the sink propagates to the caller.
-// set_inner_logger takes no lock either: install the sink before other
-// threads log.
+// the caller's thread, holding a reference to it for the call, so a sink
+// swapped or removed meanwhile on another thread stays alive until the call
+// returns; an exception from the sink propagates to the caller. Any thread
+// may log, swap the sink or copy a logger at any time; only destruction
+// needs the logger to be out of use.
 class TESSEL_API Logger {
  public:
   Logger();
@@ -44,11 +48,14 @@ class TESSEL_API Logger {
   ~Logger();
 
   // The process-wide logger: created once (thread-safe) on the first call,
-  // the same object afterwards. Any thread may call it.
+  // the same object afterwards, and never destroyed, so threads still
+  // running at process exit may log. Any thread may call it.
   static std::shared_ptr<Logger> sharedLogger();
 
   // Replaces the sink with a copy of `logger`; an empty pointer silences the
-  // logger. The previous sink is released.
+  // logger. The previous sink is released once no call on another thread
+  // is still taking a reference to it (calls already in its log() keep
+  // their own). May be called from inside a sink's log().
   void set_inner_logger(const std::shared_ptr<ILogger>& logger);
 
   void trace(const std::string& message);
@@ -61,9 +68,20 @@ class TESSEL_API Logger {
   void fatal(const std::string& message);
 
  private:
-  void forward(const std::string& message, LogLevel level);
+  using Sink = std::shared_ptr<ILogger>;
 
-  std::shared_ptr<ILogger> inner_logger;
+  void forward(const std::string& message, LogLevel level);
+  // A reference to the current sink, taken without a lock.
+  Sink current_sink() const;
+
+  // The sink is published as an immutable box that readers copy from without
+  // a lock. A reader counts itself in the slot of the epoch it entered; a
+  // writer swaps the box, moves to the next epoch and frees the old box once
+  // the slot of the epoch it left is empty.
+  std::atomic<const Sink*> inner_logger{nullptr};
+  mutable std::atomic<unsigned> readers_[2] = {};
+  std::atomic<unsigned> epoch_{0};
+  std::mutex writer_mutex_;  // serialises set_inner_logger and copy assignment
 };
 
 // Returns "[moduleName:<moduleName>][pointName:<pointName>][msg:<msg>]",

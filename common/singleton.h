@@ -1,7 +1,8 @@
 // Singleton<T> hands out one process-wide, shared T, created on first use and
 // detachable once at shutdown. The state of each instantiation lives in this
 // library, so every module that calls the exported sharedInstance sees the
-// same object.
+// same object. An instance that is never detached is never destroyed either:
+// threads still running at process exit may reach it.
 #ifndef TESSEL_COMMON_SINGLETON_H_
 #define TESSEL_COMMON_SINGLETON_H_
 
@@ -28,25 +29,33 @@ class Singleton {
   static std::shared_ptr<T> sharedInstance(bool release);
 
  private:
+  // The shared pointer, built at compile time and never destroyed: exit
+  // runs no destructor for it.
+  union Instance {
+    constexpr Instance() : pointer() {}
+    ~Instance() {}
+    std::shared_ptr<T> pointer;
+  };
+
   static std::once_flag once_;
-  static std::shared_ptr<T> instance_;
+  static Instance instance_;
 };
 
 template <typename T>
 std::once_flag Singleton<T>::once_;
 
 template <typename T>
-std::shared_ptr<T> Singleton<T>::instance_;
+typename Singleton<T>::Instance Singleton<T>::instance_;
 
 template <typename T>
 std::shared_ptr<T> Singleton<T>::sharedInstance(bool release) {
   if (release) {
     std::shared_ptr<T> detached;
-    detached.swap(instance_);
+    detached.swap(instance_.pointer);
     return detached;
   }
-  std::call_once(once_, [] { instance_ = std::make_shared<T>(); });
-  return instance_;
+  std::call_once(once_, [] { instance_.pointer = std::make_shared<T>(); });
+  return instance_.pointer;
 }
 
 // The holder's instantiation is compiled once, inside the library.

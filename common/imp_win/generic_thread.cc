@@ -1,12 +1,18 @@
 #include "common/imp_win/generic_thread.h"
 
+#include <condition_variable>
+#include <deque>
 #include <exception>
+#include <mutex>
+#include <thread>
 #include <utility>
 
+#include "common/logger.h"
 #include "common/semaphore.h"
 #include "platform/base/callback.h"
 #include "platform/base/location.h"
 #include "platform/base/message_loop.h"
+#include "platform/base/task_runner.h"
 #include "platform/base/thread.h"
 
 namespace tessel {
@@ -15,64 +21,130 @@ namespace {
 
 using Task = std::function<void()>;
 
+// Joins released worker threads on a thread of its own, so that releasing a
+// worker never blocks on work that may need the releasing thread. Started on
+// first use and never destroyed: workers may still be ending at exit.
+class Reaper {
+ public:
+  static Reaper& Get() {
+    static Reaper* const reaper = new Reaper;
+    return *reaper;
+  }
+
+  // Takes over a thread that has been asked to stop, and joins it.
+  void Adopt(std::unique_ptr<base::Thread> thread) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!started_) {
+      std::thread(&Reaper::Main, this).detach();
+      started_ = true;
+    }
+    stopping_.push_back(std::move(thread));
+    adopted_.notify_one();
+  }
+
+ private:
+  Reaper() = default;
+
+  void Main() {
+    for (;;) {
+      std::unique_ptr<base::Thread> thread;
+      {
+        std::unique_lock<std::mutex> lock(mutex_);
+        adopted_.wait(lock, [this] { return !stopping_.empty(); });
+        thread = std::move(stopping_.front());
+        stopping_.pop_front();
+      }
+      thread.reset();  // joins
+    }
+  }
+
+  std::mutex mutex_;                  // guards stopping_ and started_
+  std::condition_variable adopted_;   // signalled when stopping_ grows
+  std::deque<std::unique_ptr<base::Thread>> stopping_;
+  bool started_ = false;
+};
+
 // An exception must never end a loop's thread; an asynchronous caller has
-// nobody to hand it to.
+// nobody to hand it to, so the host's log hears of it.
 void RunAsyncTask(const Task& task) {
   try {
     task();
+  } catch (const std::exception& error) {
+    Logger::sharedLogger()->error(
+        std::string("tessel::GenericThread::DispatchAsync: a task threw: ") + error.what());
   } catch (...) {
+    Logger::sharedLogger()->error(
+        "tessel::GenericThread::DispatchAsync: a task threw a non-standard exception");
   }
 }
 
-// Runs the task for a caller blocked in DispatchSync on `done`, leaving any
-// exception in `error` for that caller to rethrow.
-void RunSyncTask(Semaphore* done, std::exception_ptr* error, const Task& task) {
+// One DispatchSync call, on the caller's stack until `done` is signalled.
+struct SyncCall {
+  Task task;
+  std::exception_ptr error;
+  Semaphore done;
+};
+
+// Runs the task, destroys it (and its captures) here, then releases the
+// caller, who rethrows any exception left in `error`.
+void RunSyncTask(SyncCall* call) {
   try {
-    task();
+    call->task();
   } catch (...) {
-    *error = std::current_exception();
+    call->error = std::current_exception();
   }
-  done->notify();
+  try {
+    call->task = nullptr;
+  } catch (...) {
+  }
+  call->done.notify();
 }
 
-base::MessageLoop* StartWorker(std::unique_ptr<base::Thread>& thread, const std::string& name) {
+std::shared_ptr<base::TaskRunner> StartWorker(std::unique_ptr<base::Thread>& thread,
+                                              const std::string& name) {
   thread = std::make_unique<base::Thread>(name.c_str());
   thread->StartWithOptions(base::Thread::Options());
-  return thread->message_loop();
+  return thread->task_runner();
 }
 
 }  // namespace
 
 GenericThread::GenericThread(const std::string& name, tessel_gen::ThreadType type)
-    : message_loop_(nullptr), type_(type) {
-  message_loop_ = type == tessel_gen::ThreadTypeMain ? base::GetUIMessageLoop()
-                                                     : StartWorker(thread_, name);
+    : type_(type) {
+  runner_ = type == tessel_gen::ThreadTypeMain ? base::GetUIMessageLoopTaskRunner()
+                                               : StartWorker(thread_, name);
 }
 
-GenericThread::~GenericThread() = default;
+GenericThread::~GenericThread() {
+  values_.clear();
+  if (thread_) {
+    thread_->StopSoon();
+    Reaper::Get().Adopt(std::move(thread_));
+  }
+}
 
 void GenericThread::DispatchSync(std::function<void()> task) {
-  if (!message_loop_ || !task) return;
+  if (!runner_ || !task) return;
   if (IsCurrentThread()) {
     task();
     return;
   }
-  Semaphore done;
-  std::exception_ptr error;
-  message_loop_->PostTask(
+  SyncCall call{std::move(task), nullptr, {}};
+  const bool posted = runner_->PostTask(
       tracked_objects::Location("tessel::GenericThread::DispatchSync", __FILE__, __LINE__,
                                 tracked_objects::GetProgramCounter()),
-      base::Bind(&RunSyncTask, &done, &error, std::move(task)));
-  done.wait();
-  if (error) std::rethrow_exception(error);
+      base::Bind(&RunSyncTask, &call));
+  if (!posted) return;
+  call.done.wait();
+  if (call.error) std::rethrow_exception(call.error);
 }
 
 int GenericThread::DispatchAsync(std::function<void()> task) {
-  if (!message_loop_ || !task) return 0;
-  message_loop_->PostTask(
+  if (!runner_ || !task) return 0;
+  runner_->PostTask(
       tracked_objects::Location("tessel::GenericThread::DispatchAsync", __FILE__, __LINE__,
                                 tracked_objects::GetProgramCounter()),
-      base::Bind(&RunAsyncTask, std::move(task)));
+      [task = std::move(task)] { RunAsyncTask(task); });
   return 0;
 }
 
@@ -82,7 +154,12 @@ tessel_gen::ThreadType GenericThread::type() { return type_; }
 
 std::string GenericThread::name() { return thread_ ? thread_->thread_name() : std::string(); }
 
-bool GenericThread::IsCurrentThread() { return message_loop_ == base::MessageLoop::current(); }
+bool GenericThread::IsCurrentThread() {
+  // Loops are compared through their handles, which outlive them.
+  const base::MessageLoop* loop = base::MessageLoop::current();
+  if (loop == nullptr) return runner_ == nullptr;
+  return runner_ != nullptr && loop->task_runner() == runner_;
+}
 
 void GenericThread::set_value(const std::string& value, const std::string& key) {
   if (IsCurrentThread()) values_[key] = value;
@@ -94,8 +171,8 @@ std::string GenericThread::value_for_key(const std::string& key) {
 }
 
 const std::string& GenericThread::thread_key() const {
-  static const std::string kNoLoop;
-  return message_loop_ ? message_loop_->thread_name() : kNoLoop;
+  static const std::string* const kNoLoop = new std::string();
+  return runner_ ? runner_->thread_name() : *kNoLoop;
 }
 
 }  // namespace tessel

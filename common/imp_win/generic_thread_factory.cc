@@ -1,5 +1,6 @@
 #include "common/imp_win/generic_thread_factory.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "platform/base/message_loop.h"
@@ -11,6 +12,7 @@ GenericThreadFactory::GenericThreadFactory() = default;
 GenericThreadFactory::GenericThreadFactory(const GenericThreadFactory& other) {
   std::lock_guard<std::mutex> lock(other.registry_mutex_);
   registry_ = other.registry_;
+  registered_ = other.registered_;
   sweep_at_ = other.sweep_at_;
 }
 
@@ -18,6 +20,7 @@ GenericThreadFactory& GenericThreadFactory::operator=(const GenericThreadFactory
   if (this == &other) return *this;
   std::scoped_lock lock(registry_mutex_, other.registry_mutex_);
   registry_ = other.registry_;
+  registered_ = other.registered_;
   sweep_at_ = other.sweep_at_;
   return *this;
 }
@@ -29,7 +32,8 @@ std::shared_ptr<tessel_gen::PlatformThread> GenericThreadFactory::CreateThread(
   auto thread = std::make_shared<GenericThread>(name, type);
   if (thread->has_loop()) {
     std::lock_guard<std::mutex> lock(registry_mutex_);
-    registry_[thread->thread_key()] = thread;
+    registry_[thread->thread_key()].push_back(thread);
+    ++registered_;
     SweepEndedLocked();
   }
   return thread;
@@ -47,18 +51,28 @@ std::shared_ptr<tessel_gen::PlatformThread> GenericThreadFactory::current_thread
   {
     std::lock_guard<std::mutex> lock(registry_mutex_);
     auto found = registry_.find(loop->thread_name());
-    if (found != registry_.end()) thread = found->second.lock();
+    if (found != registry_.end()) {
+      for (auto entry = found->second.rbegin(); !thread && entry != found->second.rend(); ++entry) {
+        thread = entry->lock();
+      }
+    }
   }
   if (!thread || !thread->IsCurrentThread()) return nullptr;
   return thread;
 }
 
 void GenericThreadFactory::SweepEndedLocked() {
-  if (registry_.size() < sweep_at_) return;
-  for (auto entry = registry_.begin(); entry != registry_.end();) {
-    entry = entry->second.expired() ? registry_.erase(entry) : std::next(entry);
+  if (registered_ < sweep_at_) return;
+  registered_ = 0;
+  for (auto key = registry_.begin(); key != registry_.end();) {
+    auto& threads = key->second;
+    threads.erase(std::remove_if(threads.begin(), threads.end(),
+                                 [](const auto& thread) { return thread.expired(); }),
+                  threads.end());
+    registered_ += threads.size();
+    key = threads.empty() ? registry_.erase(key) : std::next(key);
   }
-  sweep_at_ = 2 * registry_.size() + 16;
+  sweep_at_ = 2 * registered_ + 16;
 }
 
 }  // namespace tessel

@@ -1,9 +1,10 @@
 // GenericThreadFactory is the library's PlatformThreadFactory: it makes
 // GenericThread objects and finds the thread object of the calling thread.
 // Every thread it creates with a loop is registered under its thread key
-// (the loop's thread name); the registry never keeps a thread alive, and a
-// later thread with the same key takes the entry over. All operations may be
-// called from any thread at once.
+// (the loop's thread name); the registry never keeps a thread alive. A later
+// thread with the same key takes the entry over; when it ends, the newest
+// older thread of that key still alive becomes the entry again. All
+// operations may be called from any thread at once.
 #ifndef TESSEL_COMMON_IMP_WIN_GENERIC_THREAD_FACTORY_H_
 #define TESSEL_COMMON_IMP_WIN_GENERIC_THREAD_FACTORY_H_
 
@@ -12,6 +13,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "common/imp_win/generic_thread.h"
 #include "common/tessel_export.h"
@@ -36,20 +38,23 @@ class TESSEL_API GenericThreadFactory : public tessel_gen::PlatformThreadFactory
                                                            tessel_gen::ThreadType type) override;
   // True when the calling thread's current loop is a user-interface loop.
   bool IsMainThread() override;
-  // The live registered thread whose loop is the calling thread's loop, or
-  // empty (no loop, no entry under its name, or the entry's thread has ended
-  // or runs another loop of the same name).
+  // The entry for the calling thread's loop name (its newest live thread),
+  // when that thread runs the calling thread's loop; otherwise empty (no
+  // loop, no live thread under its name, or the entry is a namesake).
   std::shared_ptr<tessel_gen::PlatformThread> current_thread() override;
 
  private:
-  using Registry = std::unordered_map<std::string, std::weak_ptr<GenericThread>>;
-  // Drops the entries of ended threads once the registry has doubled since
-  // the last sweep, so its size stays proportional to the live threads.
+  // Per key, the threads registered under it, oldest first.
+  using Registry =
+      std::unordered_map<std::string, std::vector<std::weak_ptr<GenericThread>>>;
+  // Drops ended threads once the registry has doubled since the last sweep,
+  // so its size stays proportional to the live threads.
   void SweepEndedLocked();
 
-  mutable std::mutex registry_mutex_;  // guards registry_ and sweep_at_
+  mutable std::mutex registry_mutex_;  // guards registry_, registered_ and sweep_at_
   Registry registry_;
-  std::size_t sweep_at_ = 16;  // registry_ size that triggers the next sweep
+  std::size_t registered_ = 0;  // threads in registry_, ended ones included
+  std::size_t sweep_at_ = 16;   // registered_ count that triggers the next sweep
 };
 
 }  // namespace tessel

@@ -3,6 +3,8 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "platform/base/thread_name.h"
+
 namespace base {
 
 // Handed to the new thread; lives on the starting thread's stack until the
@@ -10,9 +12,8 @@ namespace base {
 struct Thread::Startup {
   MessageLoop::Type type;
   const std::string* name;
-  std::shared_ptr<std::atomic<bool>> stopping;
-  std::mutex mutex;                  // guards loop
-  std::condition_variable started;   // signalled once loop is set
+  std::mutex mutex;                 // guards loop
+  std::condition_variable started;  // signalled once loop is set
   MessageLoop* loop = nullptr;
 };
 
@@ -25,7 +26,6 @@ bool Thread::StartWithOptions(const Options& options) {
   Startup startup;
   startup.type = options.message_loop_type;
   startup.name = &name_;
-  startup.stopping = std::make_shared<std::atomic<bool>>(false);
 
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) return false;
@@ -37,17 +37,22 @@ bool Thread::StartWithOptions(const Options& options) {
   std::unique_lock<std::mutex> lock(startup.mutex);
   startup.started.wait(lock, [&] { return startup.loop != nullptr; });
   message_loop_ = startup.loop;
-  stopping_ = std::move(startup.stopping);
+  runner_ = message_loop_->task_runner();
   started_ = true;
   return true;
 }
 
+void Thread::StopSoon() {
+  if (!started_ || message_loop_ == nullptr) return;
+  message_loop_ = nullptr;
+  runner_->StopWhenIdle();
+}
+
 void Thread::Stop() {
   if (!started_) return;
+  StopSoon();
   started_ = false;
-  stopping_->store(true, std::memory_order_release);
-  message_loop_->QuitWhenIdle();
-  message_loop_ = nullptr;
+  runner_.reset();
   if (pthread_equal(thread_, pthread_self())) {
     pthread_detach(thread_);
   } else {
@@ -57,19 +62,18 @@ void Thread::Stop() {
 
 void* Thread::ThreadMain(void* argument) {
   auto* startup = static_cast<Startup*>(argument);
-  // The kernel keeps at most 15 characters of a thread's name.
-  pthread_setname_np(pthread_self(), startup->name->substr(0, 15).c_str());
+  SetCurrentThreadName(*startup->name);
   MessageLoop loop(startup->type, *startup->name);
-  const std::shared_ptr<std::atomic<bool>> stopping = startup->stopping;
   {
     std::lock_guard<std::mutex> lock(startup->mutex);
     startup->loop = &loop;
     startup->started.notify_one();
   }
-  // `startup` is gone from here on.
+  // `startup` is gone from here on. A stray Quit() only ends one Run().
+  const TaskRunner& runner = *loop.runner_;
   do {
     loop.Run();
-  } while (!stopping->load(std::memory_order_acquire));
+  } while (!runner.stopping());
   return nullptr;
 }
 

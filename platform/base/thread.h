@@ -1,13 +1,13 @@
 // A Thread is an operating-system thread running a MessageLoop of its own,
 // named after the thread. Once StartWithOptions() has returned true,
-// message_loop() is valid and any thread may post to it. Destroying the
-// Thread stops it: every task queued before the stop began, and every task
-// those post, runs to completion before the thread ends and is joined.
-// The object itself is used by one owner at a time.
+// task_runner() is valid and any thread may post to it. Stopping is a
+// sticky state of the loop's queue: every task queued before the stop, and
+// every task those post, runs to completion (delayed tasks still in the
+// future are destroyed without running), then the loop closes its handle and
+// the thread ends. The object itself is used by one owner at a time.
 #ifndef TESSEL_PLATFORM_BASE_THREAD_H_
 #define TESSEL_PLATFORM_BASE_THREAD_H_
 
-#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -15,6 +15,7 @@
 #include <pthread.h>
 
 #include "platform/base/message_loop.h"
+#include "platform/base/task_runner.h"
 
 namespace base {
 
@@ -36,15 +37,21 @@ class Thread {
   // when the thread cannot be created or was started before.
   bool StartWithOptions(const Options& options);
 
-  // Lets the loop run every queued task and the tasks they post, then joins
-  // the thread; message_loop() is null afterwards. Called on the thread
-  // itself (its last owner released inside one of its tasks), it cannot
-  // join: the thread then finishes the queue and ends on its own.
+  // Asks the loop to end once it is idle, at every nesting level of Run(),
+  // and returns at once. Later calls do nothing more.
+  void StopSoon();
+  // StopSoon(), then joins the thread; message_loop() and task_runner() are
+  // empty afterwards. Called on the thread itself (its last owner released
+  // inside one of its tasks), it cannot join: the thread then finishes the
+  // queue and ends on its own.
   void Stop();
 
   const std::string& thread_name() const { return name_; }
-  // The thread's loop while it runs, else null.
+  // The thread's loop until Stop() or StopSoon(), else null. Only good while
+  // the thread runs; post through task_runner() instead.
   MessageLoop* message_loop() const { return message_loop_; }
+  // The loop's posting handle until Stop(), else null.
+  std::shared_ptr<TaskRunner> task_runner() const { return runner_; }
 
  private:
   struct Startup;
@@ -52,10 +59,7 @@ class Thread {
 
   const std::string name_;
   MessageLoop* message_loop_ = nullptr;
-  // Set by Stop(); shared with the running thread, which may outlive this
-  // object when it stops itself. Until it is set, a stray Quit() of the loop
-  // only makes the thread run its loop again.
-  std::shared_ptr<std::atomic<bool>> stopping_;
+  std::shared_ptr<TaskRunner> runner_;
   pthread_t thread_{};
   bool started_ = false;
 };

@@ -3,16 +3,28 @@
 // others, however the runner schedules them.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
+#include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "common/global_native_imp_holder.h"
+#include "common/logger.h"
 #include "common/singleton.h"
 
 namespace {
 
 using Holder = tessel::Singleton<tessel::GlobalNativeImpHolder>;
+
+class QuietSink : public tessel::ILogger {
+ public:
+  void log(const std::string& message, int) override { last_ = message; }
+
+ private:
+  std::string last_;
+};
 
 // Runs `body` in a forked child; the child exits 0 only if no expectation
 // failed.
@@ -74,6 +86,25 @@ TEST(SingletonLifecycle, ConcurrentFirstCallsCreateExactlyOneHolder) {
       ASSERT_TRUE(holder);
       EXPECT_EQ(holder.get(), seen[0].get());
     }
+  });
+}
+
+// Objects threads may reach stay valid while the process exits: a thread
+// still logging and reading the holder when main() ends must not touch a
+// destroyed logger or holder (the address sanitizer reports it if it does).
+TEST(ProcessExit, ThreadsStillRunningMayLogAndReachTheHolder) {
+  InChild([] {
+    tessel::Logger::sharedLogger()->set_inner_logger(std::make_shared<QuietSink>());
+    static std::atomic<int> rounds{0};
+    std::thread([] {
+      for (;;) {
+        tessel::Logger::sharedLogger()->info("still running");
+        if (auto holder = Holder::sharedInstance(false)) holder->timer.reset();
+        ++rounds;
+      }
+    }).detach();
+    while (rounds.load() < 100) std::this_thread::yield();
+    std::exit(0);  // runs the static destructors while the thread goes on
   });
 }
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -71,6 +72,35 @@ TEST(Logger, SinkExceptionsReachTheCaller) {
   tessel::Logger logger;
   logger.set_inner_logger(sink);
   EXPECT_THROW(logger.info("m"), std::runtime_error);
+}
+
+// A sink whose log() reads its own state, so a call into a destroyed sink
+// shows up under the sanitizers.
+class CheckedSink : public tessel::ILogger {
+ public:
+  ~CheckedSink() override { alive_ = 0; }
+  void log(const std::string& message, int) override {
+    if (alive_ != 0x5AFE) ADD_FAILURE() << "call into a destroyed sink: " << message;
+  }
+
+ private:
+  volatile int alive_ = 0x5AFE;
+};
+
+TEST(Logger, SinkSwappedWhileOthersLogLivesUntilTheirCallsReturn) {
+  tessel::Logger logger;
+  std::atomic<bool> stop{false};
+  std::vector<std::thread> loggers;
+  for (int i = 0; i < 3; ++i) {
+    loggers.emplace_back([&] {
+      while (!stop.load()) logger.info("busy");
+    });
+  }
+  for (int swap = 0; swap < 3000; ++swap) {
+    logger.set_inner_logger(swap % 3 == 2 ? nullptr : std::make_shared<CheckedSink>());
+  }
+  stop = true;
+  for (auto& thread : loggers) thread.join();
 }
 
 TEST(SharedLogger, IsOneObjectForAllThreads) {

@@ -49,19 +49,7 @@ class GenericThreads : public ::testing::Test {
     return seen;
   }
 
-  // Runs the user-interface loop until a task quits it; false when the
-  // watchdog had to quit it instead.
-  bool RunUiLoop() {
-    std::promise<void> returned;
-    auto watchdog = std::async(std::launch::async, [this, done = returned.get_future()] {
-      if (Within(done)) return false;
-      ui_.Quit();
-      return true;
-    });
-    ui_.Run();
-    returned.set_value();
-    return !watchdog.get();
-  }
+  bool RunUiLoop() { return threading_test::RunGuarded(ui_); }
 
   base::MessageLoop ui_{base::MessageLoop::TYPE_UI, "ui-main"};
   tessel::GenericThreadFactory factory_;
@@ -219,11 +207,15 @@ TEST_F(GenericThreads, DestructionRunsThousandsOfQueuedTasks) {
   auto worker = factory_.CreateThread("drain", kWorker);
   std::promise<void> gate;
   worker->DispatchAsync([opened = gate.get_future().share()] { opened.wait(); });
-  int ran = 0;  // written on the worker only; read after the join
-  for (int i = 0; i < kQueued; ++i) worker->DispatchAsync([&ran] { ++ran; });
+  auto ran = std::make_shared<int>(0);  // written on the worker only
+  for (int i = 0; i < kQueued; ++i) worker->DispatchAsync([ran] { ++*ran; });
+  auto last = std::make_shared<std::promise<int>>();
+  worker->DispatchAsync([ran, last] { last->set_value(*ran); });
   gate.set_value();
-  worker.reset();
-  EXPECT_EQ(ran, kQueued);
+  worker.reset();  // returns at once; the queue still drains
+  auto count = last->get_future();
+  ReadyOrAbort(count, "the last task queued before the release");
+  EXPECT_EQ(count.get(), kQueued);
 }
 
 TEST_F(GenericThreads, ReleasedFromItsOwnTaskEndsWithoutDeadlock) {
@@ -258,6 +250,7 @@ TEST_F(GenericThreads, CurrentThreadNeedsALiveRegisteredLoop) {
   from_copy.reset();
   newer.reset();
   EXPECT_TRUE(watch.expired());  // neither registry keeps it alive
+  EXPECT_EQ(LookFrom(*older).current, older);  // the entry again
   auto again = factory_.CreateThread("dup", kWorker);
   EXPECT_EQ(LookFrom(*again).current, again);
 }

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
+#include <cstddef>
 #include <future>
 #include <memory>
 #include <string>
@@ -14,6 +14,7 @@
 #include "platform/base/location.h"
 #include "platform/base/message_loop.h"
 #include "platform/base/thread.h"
+#include "platform/base/thread_name.h"
 #include "watchdog.h"
 
 namespace {
@@ -116,15 +117,40 @@ TEST(MessageLoop, FirstUserInterfaceLoopIsRegisteredWhileItLives) {
   EXPECT_EQ(base::GetUIMessageLoop(), nullptr);
 }
 
-TEST(Location, NamesThePostingSite) {
-  const int line = __LINE__ + 1;
-  const tracked_objects::Location here = FROM_HERE;
-  EXPECT_STREQ(here.function_name(), "TestBody");
-  EXPECT_NE(std::strstr(here.file_name(), "message_loop_test.cc"), nullptr);
-  EXPECT_EQ(here.line_number(), line);
-  const tracked_objects::Location there = FROM_HERE;
-  EXPECT_NE(here.program_counter(), nullptr);
-  EXPECT_NE(here.program_counter(), there.program_counter());
+// The cut keeps whole characters: a 2-, 3- or 4-byte character straddling
+// the limit goes entirely; bytes that are not UTF-8 are cut like any byte.
+TEST(ThreadName, IsCutAtACharacterBoundary) {
+  const struct {
+    const char* name;
+    std::size_t limit;
+    const char* cut;
+  } cases[] = {
+      {"abcdefghijklmn\xC3\xA9z", 15, "abcdefghijklmn"},       // é over the limit
+      {"abcdefghijklm\xC3\xA9z", 15, "abcdefghijklm\xC3\xA9"},  // é just fits
+      {"ab\xE6\xB0\xB4", 4, "ab"},                            // 水: 3 bytes
+      {"a\xF0\x9F\x98\x80", 4, "a"},                         // emoji: 4 bytes
+      {"abc\x80\x80\x80\x80", 5, "abc\x80\x80"},                // stray continuations
+      {"short", 15, "short"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(base::CutAtCharacterBoundary(c.name, c.limit), c.cut) << c.name;
+  }
+}
+
+// Stopping is sticky: a Run() nested inside a task returns once the queue is
+// empty, and so does the outer one, instead of sleeping for ever.
+TEST(Thread, StopEndsNestedRunsToo) {
+  base::Thread thread("nested");
+  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options()));
+  base::MessageLoop* loop = thread.message_loop();
+  std::promise<void> nested;
+  thread.task_runner()->PostTask(FROM_HERE, [loop, &nested] {
+    nested.set_value();
+    loop->Run();
+  });
+  ReadyOrAbort(nested.get_future(), "the nested Run()");
+  auto stopped = std::async(std::launch::async, [&thread] { thread.Stop(); });
+  ReadyOrAbort(stopped, "a stop while a nested Run() waits");
 }
 
 TEST(Thread, LoopExistsWhenStartReturnsAndCarriesTheName) {

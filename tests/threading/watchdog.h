@@ -28,6 +28,21 @@ void ReadyOrAbort(const std::future<T>& future, const char* what) {
   }
 }
 
+// Runs `loop` on the calling thread until a task quits it; false when the
+// watchdog had to quit it instead.
+template <typename Loop>
+bool RunGuarded(Loop& loop) {
+  std::promise<void> returned;
+  auto watchdog = std::async(std::launch::async, [&loop, done = returned.get_future()] {
+    if (Within(done)) return false;
+    loop.Quit();
+    return true;
+  });
+  loop.Run();
+  returned.set_value();
+  return !watchdog.get();
+}
+
 }  // namespace threading_test
 
 #endif  // TESSEL_TESTS_THREADING_WATCHDOG_H_
