@@ -2,6 +2,7 @@
 // callables are released.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
@@ -17,6 +18,7 @@
 #include "common/imp_win/generic_thread_factory.h"
 #include "common/imp_win/message_loop_timer.h"
 #include "platform/base/message_loop.h"
+#include "support/test_platform.h"
 
 namespace {
 
@@ -142,6 +144,8 @@ TEST(MessageLoopTimer, FiresNoEarlierThanDueOnTheTimerThread) {
 // Ticks stay in phase with the first one, whatever each callback costs. A
 // loaded machine may make single ticks late, or skip some.
 TEST(MessageLoopTimer, RepeatsWithoutDrift) {
+  TESSEL_SKIP_ON_WINDOWS("waits there end on the system's millisecond ticks, which spread "
+                         "every call over the 5 ms period");
   tessel::MessageLoopTimer timer;
   auto tracker = NewTracker();
   const auto period = milliseconds(5);
@@ -152,14 +156,19 @@ TEST(MessageLoopTimer, RepeatsWithoutDrift) {
   ASSERT_TRUE(tracker->WaitForCalls(200));
   timer.InvalidateTimer(id);
   const Seen seen = tracker->seen();
-  int in_phase = 0;
+  std::vector<Clock::duration> phases;
   for (int i = 0; i < 200; ++i) {
     const Clock::duration since_start = seen.calls[i] - start;
     EXPECT_GE(since_start, period * (i + 1)) << "call " << i + 1;
-    in_phase += since_start % period < period / 5;
+    phases.push_back(since_start % period);
   }
-  // A drifting timer's calls wander evenly over the period: about a fifth of
-  // them would fall into its first fifth.
+  // The platform's least wake-up delay (a whole millisecond on some) is
+  // not drift. A drifting timer's calls wander evenly over the period: about
+  // a fifth of them would fall into the fifth after that least delay.
+  const Clock::duration least = *std::min_element(phases.begin(), phases.end());
+  const auto in_phase = std::count_if(phases.begin(), phases.end(), [&](Clock::duration phase) {
+    return phase < least + period / 5;
+  });
   EXPECT_GT(in_phase, 60);
 }
 
