@@ -1,13 +1,13 @@
 // A TaskQueue is a first-in, first-out queue of closures stored in small
-// fixed-size chunks. A chunk is freed as soon as its last task has been
-// taken (one emptied chunk is kept for reuse), so the memory a burst of
-// tasks needed goes back once the burst has run. Not synchronised: one
-// thread at a time, or under its owner's lock.
+// fixed-size chunks. A chunk whose last task has been taken becomes a spare
+// for reuse; the owner lets spares go (ReleaseSpares) once a burst is over,
+// so the memory a burst needed goes back without every burst paying for
+// fresh pages. Not synchronised: one thread at a time, or under its owner's
+// lock.
 #ifndef TESSEL_PLATFORM_BASE_TASK_QUEUE_H_
 #define TESSEL_PLATFORM_BASE_TASK_QUEUE_H_
 
 #include <cstddef>
-#include <memory>
 #include <utility>
 
 #include "platform/base/callback.h"
@@ -21,6 +21,7 @@ class TaskQueue {
   TaskQueue& operator=(const TaskQueue&) = delete;
   ~TaskQueue() {
     while (head_ != nullptr) delete std::exchange(head_, head_->next);
+    ReleaseSpares(0);
   }
 
   bool empty() const { return head_ == nullptr; }
@@ -48,9 +49,21 @@ class TaskQueue {
     std::swap(tail_, other.tail_);
   }
 
-  // Hands the kept empty chunk to `other` when that one has none.
-  void ShareSpare(TaskQueue& other) {
-    if (!other.spare_) other.spare_ = std::move(spare_);
+  // Hands all spares to `other` when that one has none.
+  void ShareSpares(TaskQueue& other) {
+    if (other.spares_ != nullptr) return;
+    std::swap(spares_, other.spares_);
+    std::swap(spare_count_, other.spare_count_);
+  }
+
+  std::size_t spare_count() const { return spare_count_; }
+
+  // Frees the spares beyond the first `keep`.
+  void ReleaseSpares(std::size_t keep) {
+    while (spare_count_ > keep) {
+      delete std::exchange(spares_, spares_->next);
+      --spare_count_;
+    }
   }
 
  private:
@@ -63,7 +76,14 @@ class TaskQueue {
   };
 
   void AddChunk() {
-    Chunk* chunk = spare_ ? spare_.release() : new Chunk;
+    Chunk* chunk = spares_;
+    if (chunk != nullptr) {
+      spares_ = chunk->next;
+      --spare_count_;
+      chunk->next = nullptr;
+    } else {
+      chunk = new Chunk;
+    }
     if (tail_ == nullptr) {
       head_ = chunk;
     } else {
@@ -74,18 +94,16 @@ class TaskQueue {
   // Every closure of an emptied chunk has been moved out, so it can be
   // reused as it is once its indexes are reset.
   void Recycle(Chunk* chunk) {
-    if (spare_) {
-      delete chunk;
-      return;
-    }
     chunk->begin = chunk->end = 0;
-    chunk->next = nullptr;
-    spare_.reset(chunk);
+    chunk->next = spares_;
+    spares_ = chunk;
+    ++spare_count_;
   }
 
   Chunk* head_ = nullptr;
   Chunk* tail_ = nullptr;
-  std::unique_ptr<Chunk> spare_;
+  Chunk* spares_ = nullptr;  // emptied chunks, linked through next
+  std::size_t spare_count_ = 0;
 };
 
 }  // namespace base

@@ -9,6 +9,10 @@ namespace {
 constexpr std::chrono::nanoseconds kLongestDelay = std::chrono::hours(24 * 365 * 100);
 // Above this many slots an idle loop lets the delayed heap's storage go.
 constexpr std::size_t kKeptDelayedSlots = 1024;
+// Spare queue chunks an idle loop keeps; the rest go once it has been idle
+// for kTrimAfter, so back-to-back bursts reuse their memory.
+constexpr std::size_t kKeptSpareChunks = 4;
+constexpr std::chrono::seconds kTrimAfter{1};
 
 }  // namespace
 
@@ -77,10 +81,21 @@ bool TaskRunner::Take(TaskQueue& out, Wait wait, bool honour_quit) {
     if (!delayed_.empty()) MoveDueTasksLocked(Clock::now());
     if (!queue_.empty()) {
       out.SwapTasks(queue_);
-      out.ShareSpare(queue_);
+      out.ShareSpares(queue_);
+      trim_at_.reset();
       return true;
     }
     GiveBackIdleStorageLocked(spare);
+    const Clock::time_point now = Clock::now();
+    if (out.spare_count() + queue_.spare_count() <= kKeptSpareChunks) {
+      trim_at_.reset();
+    } else if (wait == Wait::kDontSleep || (trim_at_ && *trim_at_ <= now)) {
+      out.ReleaseSpares(0);
+      queue_.ReleaseSpares(kKeptSpareChunks);
+      trim_at_.reset();
+    } else if (!trim_at_) {
+      trim_at_ = now + kTrimAfter;
+    }
     if (wait == Wait::kDontSleep) return false;
     if (honour_quit) {
       if (quit_.exchange(false, std::memory_order_relaxed)) return false;
@@ -88,10 +103,14 @@ bool TaskRunner::Take(TaskQueue& out, Wait wait, bool honour_quit) {
       if (stopping_) return false;
     }
     sleeping_ = true;
-    if (delayed_.empty()) {
-      wake_.wait(lock);
+    std::optional<Clock::time_point> until = trim_at_;
+    if (!delayed_.empty() && (!until || delayed_.front().due < *until)) {
+      until = delayed_.front().due;
+    }
+    if (until) {
+      wake_.wait_until(lock, *until);
     } else {
-      wake_.wait_until(lock, delayed_.front().due);
+      wake_.wait(lock);
     }
     sleeping_ = false;
   }

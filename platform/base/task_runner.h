@@ -71,7 +71,9 @@ class TaskRunner : public std::enable_shared_from_this<TaskRunner> {
   // ones in deadline order) to the empty `out`. With nothing to run, it
   // returns false: at once for Wait::kDontSleep, and for Wait::kSleep when a
   // quit or the stop was asked (a Quit() request is consumed), otherwise it
-  // sleeps until a post or the earliest deadline and looks again.
+  // sleeps until a post or the earliest deadline and looks again. An idle
+  // loop frees the spare queue chunks of a past burst: at once without
+  // sleeping, else after a quiet kTrimAfter (one more wake-up per burst).
   bool Take(TaskQueue& out, Wait wait, bool honour_quit);
   // With nothing left to run now, closes the handle and hands back the
   // delayed tasks still in the future (the caller destroys them); otherwise
@@ -112,6 +114,8 @@ class TaskRunner : public std::enable_shared_from_this<TaskRunner> {
   bool quit_when_idle_ = false;  // one-shot: ends the innermost Run()
   bool stopping_ = false;        // sticky: every Run() ends once idle
   bool closed_ = false;          // final drain done; posts fail
+  // When an idle loop lets the spare chunks of a past burst go.
+  std::optional<Clock::time_point> trim_at_;
   // Checked by the loop's thread after every task, so kept apart from the
   // line the producers write. Written under mutex_ too.
   alignas(64) std::atomic<bool> quit_{false};
