@@ -18,6 +18,7 @@
 #include "common/util_entrance.h"
 #include "common/imp_win/generic_file_manager.h"
 #include "common/imp_win/generic_timer.h"
+#include "common/imp_win/message_loop_timer.h"
 
 // Worker threads and thread factory
 #include "common/imp_win/generic_thread.h"

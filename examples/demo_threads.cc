@@ -55,7 +55,11 @@ void Run() {
   // A worker posts back to the main thread; the host's loop runs the task.
   bool on_main = false;
   db->DispatchSync([&] { main->DispatchAsync([&] { on_main = factory->IsMainThread(); }); });
-  if (base::MessageLoop* ui = base::GetUIMessageLoop()) ui->RunUntilIdle();
+  // The host's main thread runs its loop until the posted task is done.
+  if (base::MessageLoop* ui = base::GetUIMessageLoop()) {
+    ui->QuitWhenIdle();
+    ui->Run();
+  }
   demo::Show("task posted from db ran on the UI loop", YesNo(on_main));
 }
 
