@@ -22,14 +22,7 @@ TEST(JsonValue, ConstructorChoosesType) {
       {5LL, Json::Number},   {5.0, Json::Number},         {true, Json::Bool},
       {"x", Json::String},   {Json::array{}, Json::Array}, {Json::object{}, Json::Object},
   };
-  for (const auto& [value, type] : cases) {
-    const bool is[] = {value.is_null(), value.is_number(), value.is_bool(),
-                       value.is_string(), value.is_array(), value.is_object()};
-    const Json::Type order[] = {Json::Null, Json::Number, Json::Bool,
-                                Json::String, Json::Array, Json::Object};
-    EXPECT_EQ(value.type(), type) << value.dump();
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(is[i], order[i] == type) << value.dump() << " " << i;
-  }
+  for (const auto& [value, type] : cases) EXPECT_EQ(value.type(), type) << value.dump();
 }
 
 // Conversions between representations, saturating, and neutral answers to
