@@ -65,6 +65,15 @@ TEST(JsonDump, EveryByteInEveryPositionOfAWord) {
   }
 }
 
+// Beyond 64 bytes strings take the long road.
+TEST(JsonDump, LongStringsMixPlainRunsAndEscapes) {
+  const std::string run(100, 'x');
+  const std::string text = run + "\xe2\x80\xa8" + run + "\n\"" + run + "\xe2\x80" + run + "\x01";
+  EXPECT_EQ(Json(text).dump(), "\"" + run + "\\u2028" + run + "\\n\\\"" + run + "\xe2\x80" + run +
+                                   "\\u0001\"");
+  EXPECT_EQ(Json(Json::object{{text, 1}}).dump(), "{" + Json(text).dump() + ": 1}");
+}
+
 std::string Printf17(double value) {
   char buffer[64];
   std::snprintf(buffer, sizeof buffer, "%.17g", value);
