@@ -41,6 +41,7 @@ TEST(JsonParse, EveryErrorMessageWithItsExactText) {
       {"{\"a\":1,}", "expected '\"' in object, got '}' (125)"},
       {"tru", "parse error: expected true, got tru"},
       {"nulL", "parse error: expected null, got nulL"},
+      {"fals", "parse error: expected false, got fals"},
       {"[t]", "parse error: expected true, got t]"}, {"1 2", "unexpected trailing '2' (50)"},
       {"{} x", "unexpected trailing 'x' (120)"}, {"-", "invalid (0) in number"},
       {"-a", "invalid 'a' (97) in number"}, {"01", "leading 0s not permitted in numbers"},
