@@ -38,20 +38,14 @@ bool KnownError(const std::string& err) {
 }
 
 bool HasNaN(const Json& value) {
-  switch (value.type()) {
-    case Json::Number: return value.number_value() != value.number_value();
-    case Json::Array:
-      for (const Json& item : value.array_items()) {
-        if (HasNaN(item)) return true;
-      }
-      return false;
-    case Json::Object:
-      for (const auto& member : value.object_items()) {
-        if (HasNaN(member.second)) return true;
-      }
-      return false;
-    default: return false;
+  if (value.is_number()) return value.number_value() != value.number_value();
+  for (const Json& item : value.array_items()) {
+    if (HasNaN(item)) return true;
   }
+  for (const auto& member : value.object_items()) {
+    if (HasNaN(member.second)) return true;
+  }
+  return false;
 }
 
 // Dumps value wrapped in depth arrays and checks the text.

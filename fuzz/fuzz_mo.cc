@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz_bounds.h"
 #include "i18n/mo.h"
 #include "tests/i18n/heap_peak.h"
 
@@ -41,21 +42,8 @@ std::vector<uint8_t> ImageOf(const uint8_t* data, size_t size) {
 }  // namespace
 
 // Limits that a load bounded by its image stays far below (a 1 MB image takes
-// milliseconds and a few MB); flags given on the command line come later and
-// override them.
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  static char rssLimit[] = "-rss_limit_mb=1024";
-  static char timeout[] = "-timeout=20";
-  static std::vector<char*> args;
-  args.push_back((*argv)[0]);
-  args.push_back(rssLimit);
-  args.push_back(timeout);
-  args.insert(args.end(), *argv + 1, *argv + *argc);
-  args.push_back(nullptr);
-  *argc = static_cast<int>(args.size()) - 1;
-  *argv = args.data();
-  return 0;
-}
+// milliseconds and a few MB).
+FUZZ_DEFAULT_BOUNDS(1024, 20)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   auto rule = [](int n) { return n == 1 ? 0 : n < 5 ? 1 : 7; };  // past nplurals on purpose

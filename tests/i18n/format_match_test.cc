@@ -42,8 +42,6 @@ TEST(FormatMatch, PositionsReorderRepeatAndSkip) {
 TEST(FormatMatch, LeavesUnrecognisedTextAlone) {
   EXPECT_EQ(I18nUtils::formatMatch("no placeholders"), "no placeholders");
   EXPECT_EQ(I18nUtils::formatMatch("%d of %d"), "%d of %d");
-  EXPECT_EQ(I18nUtils::formatMatch("%1$s and %s0"), "%1$s and %s0");
-  EXPECT_EQ(I18nUtils::formatMatch("%+-5d1 %y1 %lll1 %Lhd1"), "%+-5d1 %y1 %lll1 %Lhd1");
   // "%%" is no escape: the second percent sign starts the placeholder.
   EXPECT_EQ(I18nUtils::formatMatch("100%%d1", 5), "100%5");
   EXPECT_EQ(I18nUtils::formatMatch(nullptr), "");
@@ -77,14 +75,11 @@ TEST(FormatMatch, InsertedValuesAreNeverSearchedAgain) {
   EXPECT_EQ(I18nUtils::formatMatch("%%s1", "d2"), "%d2");
 }
 
-TEST(FormatMatch, LongValuesAreCut) {
-  const std::string big(200000, 'v');
-  const std::string result = I18nUtils::formatMatch("<%s1>", big.c_str());
-  EXPECT_EQ(result, "<" + std::string(102397, 'v') + ">");
+// Values, widths and precisions are cut at 102,397 bytes per placeholder.
+TEST(FormatMatch, LongValuesAndHugeWidthsAreCut) {
+  EXPECT_EQ(I18nUtils::formatMatch("<%s1>", std::string(200000, 'v').c_str()),
+            "<" + std::string(102397, 'v') + ">");
   EXPECT_EQ(I18nUtils::formatMatch("%300d1", 1).size(), 300u);
-}
-
-TEST(FormatMatch, HugeWidthAndPrecisionCountAsTheCut) {
   EXPECT_EQ(kVariadic("%999999999d1", 7), std::string(102396, ' ') + "7");
   EXPECT_EQ(I18nUtils::formatMatch("%.999999999d1", 7), std::string(102396, '0') + "7");
   EXPECT_EQ(I18nUtils::formatMatch("%99999999999999999999s1|", "x"), std::string(102396, ' ') + "x|");

