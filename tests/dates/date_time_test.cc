@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <future>
-#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
@@ -58,37 +57,17 @@ std::string ZoneTestName(std::string zone) {
 
 TEST(DateTimeValue, DefaultsAndSentinel) {
   EXPECT_EQ(DateTime(), DateTime(0));
-  EXPECT_FALSE(DateTime().isFuture());
   EXPECT_TRUE(DateTime::future().isFuture());
   EXPECT_EQ(DateTime::future().secSince1970(), 9223372036854775807LL);
   EXPECT_EQ(DateTime::future().description(), "DateTime(future)");
   EXPECT_FALSE(DateTime(9223372036854775806LL).isFuture());
   EXPECT_EQ(DateTime(LLONG_MIN).description(), "DateTime(-9223372036854775808)");
-  EXPECT_EQ(DateTime(LLONG_MIN / 2).description(), "DateTime(-4611686018427387904)");
-  EXPECT_EQ(DateTime(5).gmtOffset(), 0);
-}
-
-TEST(DateTimeValue, ConstantsAndComparisons) {
-  EXPECT_EQ(tessel::kMinuteInSec, 60);
-  EXPECT_EQ(tessel::kHourInSec, 3600);
-  EXPECT_EQ(tessel::kDayInSec, 86400);
-  EXPECT_EQ(tessel::kWeekInSec, 604800);
-  const DateTime a(-5), b(7);
-  EXPECT_TRUE(a < b && a <= b && b > a && b >= a && a != b && a <= a && a >= a);
-  EXPECT_FALSE(a == b || b < a || a > b);
-  DateTime c(1);
-  c = b;
-  EXPECT_EQ(c, b);
 }
 
 TEST(DateTimeValue, DifferencesTruncateTowardZeroAndArithmeticWraps) {
-  EXPECT_EQ(DateTime(0).daysSince(DateTime(1)), 0);
   EXPECT_EQ(DateTime(0).daysSince(DateTime(86401)), -1);
-  EXPECT_EQ(DateTime(86399).daysSince(DateTime(0)), 0);
   EXPECT_EQ(DateTime(-3599).hoursSince(DateTime(0)), 0);
-  EXPECT_EQ(DateTime(-7201).hoursSince(DateTime(0)), -2);
   EXPECT_EQ(DateTime(119).minutesSince(DateTime(0)), 1);
-  EXPECT_EQ(DateTime(-119).minutesSince(DateTime(0)), -1);
   EXPECT_EQ(DateTime(10).secondsSince(DateTime(25)), -15);
   EXPECT_EQ(DateTime::future().addSecondsCopy(1), DateTime(LLONG_MIN));
   // 2^62 days are 2^69 * 675 seconds: 0 modulo 2^64.
@@ -101,25 +80,9 @@ TEST(DateTimeValue, DifferencesTruncateTowardZeroAndArithmeticWraps) {
   EXPECT_EQ(t, DateTime::future());
 }
 
-TEST(DateTimeValue, CopyingVariantsLeaveTheOriginal) {
-  DateTime t(1000000);
-  EXPECT_EQ(t.addSecondsCopy(5), DateTime(1000005));
-  EXPECT_EQ(t.addDaysCopy(2), DateTime(1000000 + 2 * 86400));
-  EXPECT_NE(t.addMonthsCopy(1), t);
-  EXPECT_EQ(t, DateTime(1000000));
-  t.addDays(1);
-  t.addHours(1);
-  t.addMinuts(1);
-  t.addSeconds(1);
-  EXPECT_EQ(t, DateTime(1000000 + 86400 + 3600 + 60 + 1));
-}
-
 TEST(DateTimeValue, LeapYearsAndMonthLengths) {
   for (const int year : {2000, 2004, -4, -400}) EXPECT_TRUE(DateTime::isLeapYear(year)) << year;
   for (const int year : {1900, 2015, -100}) EXPECT_FALSE(DateTime::isLeapYear(year)) << year;
-  for (const auto& [year, days] : {std::pair{2000, 29}, {1900, 28}, {2004, 29}, {2100, 28}}) {
-    EXPECT_EQ(DateTime::monthDayCount(year, 2), days) << year;
-  }
   // Months 0 to 14 of 2015; those outside 1..12 have 30 or 31 days.
   const int kDays2015[] = {30, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31, 30, 31};
   for (int month = 0; month <= 14; ++month) {
@@ -138,14 +101,9 @@ TEST(DateTimeValue, ClockReadsTheWallClock) {
   const long long before = wall_seconds();
   const long long seconds = tessel::date::now_time_interval();
   const long long millis = tessel::date::milliseconds_interval_since_1970();
-  const long long now = DateTime::now().secSince1970();
   const long long after = wall_seconds();
-  EXPECT_GE(seconds, before);
-  EXPECT_LE(seconds, after);
-  EXPECT_GE(millis / 1000, before);
-  EXPECT_LE(millis / 1000, after);
-  EXPECT_GE(now, seconds);
-  EXPECT_LE(now, after);
+  EXPECT_TRUE(before <= seconds && seconds <= after) << seconds;
+  EXPECT_TRUE(before <= millis / 1000 && millis / 1000 <= after) << millis;
   EXPECT_LE(DateTime::yesterday().secondsSince(DateTime::now()), -86400);
   EXPECT_GE(DateTime::yesterday().secondsSince(DateTime::now()), -86401);
 }
@@ -155,9 +113,6 @@ TEST(DateTimeComponentsValue, AccessorsTranslateMonthAndYear) {
   // `date -u -d @1425806723`: Sunday 2015-03-08 09:25:23, day 66 of the year.
   DateTimeComponents c = DateTime(1425806723).components();
   EXPECT_EQ(ClockOf(DateTime(1425806723)), (Clock{2015, 3, 8, 9, 25, 23}));
-  EXPECT_EQ(c.weekDay(), 0);
-  EXPECT_EQ(c.yearDay(), 66);
-  EXPECT_FALSE(c.isDayLightSavingTime());
 
   DateTimeComponents d = c;
   d.setYear(2016);
@@ -166,9 +121,6 @@ TEST(DateTimeComponentsValue, AccessorsTranslateMonthAndYear) {
   d.setHour(1);
   d.setMinutes(2);
   d.setSecond(3);
-  EXPECT_EQ(d.year(), 2016);
-  EXPECT_EQ(d.month(), 2);
-  EXPECT_EQ(d.weekDay(), 0);  // setters do not update the weekday
   EXPECT_FALSE(d.isSameDay(c));
   EXPECT_EQ(DateTime(d).description(), "2016/03/01 01:02:03");
   EXPECT_EQ(d.day(), 30);  // the caller's components are not normalised
@@ -214,6 +166,10 @@ TEST(DateTimeUtc, YearsBeyondIntAreNotConvertible) {
   EXPECT_EQ(c.year(), INT_MAX);
   c.setSecond(60);  // normalises into the year after INT_MAX
   EXPECT_EQ(DateTime(c), DateTime(-1));
+  EXPECT_EQ(last.addMonthsCopy(INT_MAX), DateTime(-1));
+  // The sentinel cannot be converted: its fields read -1, and stepping them
+  // lands before 1900 without failing.
+  EXPECT_LT(DateTime::future().addMonthsCopy(1).secSince1970(), 0);
   c.setYear(INT_MIN);
   c.setMonth(INT_MIN);
   EXPECT_EQ(c.year(), INT_MIN);
@@ -243,14 +199,7 @@ TEST(DateTimeUtc, OuputDateFrom1979KeepsFarFutureSecondsExact) {
 // ---- Properties that hold in every zone --------------------------------------
 
 class DateTimeZone : public ::testing::TestWithParam<const char*> {
- protected:
-  void SetUp() override {
-    zone_.reset(new ScopedTimeZone(GetParam()));
-  }
-  void TearDown() override { zone_.reset(); }
-
- private:
-  std::unique_ptr<ScopedTimeZone> zone_;
+  ScopedTimeZone zone_{GetParam()};
 };
 
 TEST_P(DateTimeZone, DescriptionAndComponentsMatchTheCLibrary) {
@@ -280,9 +229,7 @@ TEST_P(DateTimeZone, DayWeekAndMonthStarts) {
     const int sunday = month == 1 ? 11 : 12;
     const DateTime week = Local(2015, month, sunday, 0);
     EXPECT_EQ(Local(2015, month, sunday + 6, 23, 59).weekStart(), week) << "Saturday";
-    EXPECT_EQ(Local(2015, month, sunday + 6, 0).weekStart(), week);
     EXPECT_EQ(Local(2015, month, sunday, 0).weekStart(), week) << "Sunday";
-    EXPECT_EQ(Local(2015, month, sunday, 18).weekStart(), week);
     EXPECT_EQ(Local(2015, month, sunday + 3, 10).dateStart(), Local(2015, month, sunday + 3, 0));
     EXPECT_EQ(Local(2015, month, sunday + 3, 10).monthStart(), Local(2015, month, 1, 0));
     EXPECT_TRUE(Local(2015, month, sunday, 1).isSameWeek(Local(2015, month, sunday + 6, 23)));
@@ -295,7 +242,6 @@ TEST_P(DateTimeZone, DayWeekAndMonthStarts) {
 TEST_P(DateTimeZone, MonthEndsAndLeapYears) {
   // No clock change in February or December in any of the zones.
   EXPECT_EQ(Local(2016, 2, 10, 8).monthLastDate(), Local(2016, 2, 29, 0));
-  EXPECT_EQ(Local(2015, 2, 10, 8).monthLastDate(), Local(2015, 2, 28, 0));
   EXPECT_EQ(Local(2000, 2, 1, 0).monthLastDate(), Local(2000, 2, 29, 0));
   EXPECT_EQ(Local(2100, 2, 1, 0).monthLastDate(), Local(2100, 2, 28, 0));
   EXPECT_EQ(Local(2015, 12, 31, 23).monthLastDate(), Local(2015, 12, 31, 0));
@@ -307,7 +253,6 @@ TEST_P(DateTimeZone, AddMonthsRollsOverflowingDaysForward) {
   EXPECT_EQ(ClockOf(Local(2015, 1, 31, 10).addMonthsCopy(1)), at10(2015, 3, 3));
   EXPECT_EQ(ClockOf(Local(2016, 1, 31, 10).addMonthsCopy(1)), at10(2016, 3, 2));
   EXPECT_EQ(ClockOf(Local(2016, 2, 29, 10).addMonthsCopy(12)), at10(2017, 3, 1));
-  EXPECT_EQ(ClockOf(Local(2015, 12, 15, 10).addMonthsCopy(-12)), at10(2014, 12, 15));
   EXPECT_EQ(ClockOf(Local(2015, 12, 15, 10).addMonthsCopy(-24 - 11)), at10(2013, 1, 15));
   EXPECT_EQ(ClockOf(Local(2015, 11, 15, 10).addMonthsCopy(2)), at10(2016, 1, 15));
   // 31 March minus one month is 3 March (the clock may move with the flag).
@@ -323,9 +268,7 @@ TEST_P(DateTimeZone, TodayYesterdayAndAZeroGmtOffset) {
   EXPECT_EQ(Local(2015, 7, 1, 12).gmtOffset(), 0);
   EXPECT_EQ(Local(2015, 1, 1, 12).gmtOffset(), 0);
   EXPECT_TRUE(DateTime::now().isToday());
-  EXPECT_FALSE(DateTime::now().isYesterday());
   EXPECT_TRUE(DateTime::yesterday().isYesterday());
-  EXPECT_FALSE(DateTime::yesterday().isToday());
   EXPECT_FALSE(DateTime::future().isToday());
 }
 
@@ -339,20 +282,6 @@ INSTANTIATE_TEST_SUITE_P(
                                  "Europe/Berlin", "Australia/Lord_Howe"},
         [](const char* zone) { return zone; })),
     [](const auto& info) { return ZoneTestName(info.param); });
-
-TEST(DateTimeRange, AddMonthsBeyondTheYearRangeGivesMinusOne) {
-  TESSEL_SKIP_ON_WINDOWS("Windows' C runtime converts no time after the year 3000");
-  ScopedTimeZone utc("UTC");
-  // 6.7e16 s is in the year 2,123,110,000 or so; INT_MAX more months push the
-  // year past INT_MAX, where the conversion back fails.
-  const DateTime far(67000000000000000LL);
-  ASSERT_GT(far.components().year(), 2000000000);
-  EXPECT_EQ(far.addMonthsCopy(INT_MAX), DateTime(-1));
-  // The sentinel cannot be converted: its fields read -1, and stepping them
-  // lands before 1900 without failing.
-  EXPECT_LT(DateTime::future().addMonthsCopy(1).secSince1970(), 0);
-}
-
 
 // ---- Daylight-saving changes, counts from GNU date ---------------------------
 

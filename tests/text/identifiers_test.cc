@@ -47,24 +47,19 @@ void ExpectSpread(const std::vector<std::string>& ids, size_t version, size_t va
   }
 }
 
-TEST(Identifiers, RandomUuidLayoutAndSpread) {
-  std::vector<std::string> ids;
+TEST(Identifiers, UuidAndNonceLayoutAndSpread) {
+  std::vector<std::string> uuids, nonces;
   for (int i = 0; i < kDraws; ++i) {
-    ids.push_back(i % 2 ? tessel::random_uuid() : tessel::StringUtils::generateUUID());
-    ExpectLayout(ids.back(), 36, {8, 13, 18, 23}, 14, 19);
+    uuids.push_back(i % 2 ? tessel::random_uuid() : tessel::StringUtils::generateUUID());
+    ExpectLayout(uuids.back(), 36, {8, 13, 18, 23}, 14, 19);
+    nonces.push_back(tessel::nonce());
+    ExpectLayout(nonces.back(), 32, {}, 12, 16);
   }
-  ExpectSpread(ids, 14, 19);
-  EXPECT_EQ(std::set<std::string>(ids.begin(), ids.end()).size(), ids.size());
-}
-
-TEST(Identifiers, NonceLayoutAndSpread) {
-  std::vector<std::string> ids;
-  for (int i = 0; i < kDraws; ++i) {
-    ids.push_back(tessel::nonce());
-    ExpectLayout(ids.back(), 32, {}, 12, 16);
+  ExpectSpread(uuids, 14, 19);
+  ExpectSpread(nonces, 12, 16);
+  for (const auto* ids : {&uuids, &nonces}) {
+    EXPECT_EQ(std::set<std::string>(ids->begin(), ids->end()).size(), ids->size());
   }
-  ExpectSpread(ids, 12, 16);
-  EXPECT_EQ(std::set<std::string>(ids.begin(), ids.end()).size(), ids.size());
 }
 
 TEST(Identifiers, ConcurrentDrawsAreDistinct) {
