@@ -38,17 +38,6 @@ void InChild(Body body) {
       ::testing::ExitedWithCode(0), "");
 }
 
-TEST(SingletonLifecycle, OrdinaryCallsShareOneHolder) {
-  InChild([] {
-    auto first = Holder::sharedInstance(false);
-    ASSERT_TRUE(first);
-    long before = first.use_count();
-    auto second = Holder::sharedInstance(false);
-    EXPECT_EQ(first.get(), second.get());
-    EXPECT_EQ(first.use_count(), before + 1);
-  });
-}
-
 TEST(SingletonLifecycle, ReleaseBeforeCreationChangesNothing) {
   InChild([] {
     EXPECT_FALSE(Holder::sharedInstance(true));

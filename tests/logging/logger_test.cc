@@ -130,9 +130,6 @@ TEST(GenerateLogPrefix, BuildsTheBracketedParts) {
   EXPECT_EQ(tessel::GenerateLogPrefix("", "", "", ""), "[moduleName:][pointName:][msg:]");
   EXPECT_EQ(tessel::GenerateLogPrefix("m", "p", "x", "0"),
             "[moduleName:m][pointName:p][msg:x][fp:0]");
-}
-
-TEST(GenerateLogPrefix, CopiesBytesWithoutEscaping) {
   EXPECT_EQ(tessel::GenerateLogPrefix("a:b", " p ", "a]b", "[x]"),
             "[moduleName:a:b][pointName: p ][msg:a]b][fp:[x]]");
 }

@@ -24,35 +24,6 @@ using threading_test::Within;
 
 void Append(std::vector<int>* out, int value) { out->push_back(value); }
 
-// A closure keeps small callables inline and large ones on the heap; either
-// way the callable is destroyed exactly once, and moving leaves the source
-// empty.
-TEST(Closure, OwnsItsCallableWhetherInlineOrOnTheHeap) {
-  auto token = std::make_shared<int>(0);
-  struct Large {
-    std::shared_ptr<int> counter;
-    char padding[200];
-    void operator()() { ++*counter; }
-  };
-  {
-    base::Closure small = [token] { ++*token; };
-    base::Closure large = Large{token, {}};
-    EXPECT_EQ(token.use_count(), 3);
-    base::Closure moved = std::move(large);
-    EXPECT_FALSE(large);
-    small();
-    moved();
-    EXPECT_EQ(*token, 2);
-    small = std::move(moved);
-    EXPECT_EQ(token.use_count(), 2);  // the old small one is gone
-    small();
-    EXPECT_EQ(*token, 3);
-  }
-  EXPECT_EQ(token.use_count(), 1);
-  EXPECT_FALSE(base::Closure(std::function<void()>()));
-  EXPECT_FALSE(base::Closure(nullptr));
-}
-
 TEST(MessageLoop, QuitStopsRunAfterTheTaskInProgressAndKeepsTheRest) {
   base::MessageLoop loop;
   std::vector<int> ran;

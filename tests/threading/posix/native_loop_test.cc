@@ -116,21 +116,6 @@ TEST(TaskQueue, BurstMemoryGoesBackOnceDrained) {
   EXPECT_LT(HeapInUse() - std::min(before, HeapInUse()), (queued - before) / 20);
 }
 
-TEST(ThreadName, SystemNameIsCutAtACharacterBoundary) {
-  base::Thread thread("abcdefghijklmn\xC3\xA9-and-more");
-  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options()));
-  std::promise<std::string> name;
-  thread.task_runner()->PostTask(FROM_HERE, [&] {
-    char buffer[64] = {};
-    pthread_getname_np(pthread_self(), buffer, sizeof buffer);
-    name.set_value(buffer);
-  });
-  auto seen = name.get_future();
-  ReadyOrAbort(seen, "the named thread's task");
-  EXPECT_EQ(seen.get(), "abcdefghijklmn");
-  EXPECT_EQ(thread.message_loop()->thread_name(), "abcdefghijklmn\xC3\xA9-and-more");
-}
-
 // A host's own poll loop on an eventfd drives the user-interface loop: the
 // hook only makes poll() return, and the timeout comes from the loop.
 TEST(WakeUpHook, DrivesTheUiLoopFromAHandWrittenPollLoop) {
