@@ -147,30 +147,4 @@ TEST_F(Injection, FactoryExceptionPropagatesAfterFirstThreeSteps) {
   EXPECT_EQ(Holder()->main_thread.get(), previous_main.get());
 }
 
-TEST(GlobalNativeImpHolder, FreshHolderIsEmptyAndReleasesInReverseOrder) {
-  std::vector<std::string> released;
-  struct Tracked : tessel_gen::PlatformTimer {
-    explicit Tracked(std::vector<std::string>* log) : log(log) {}
-    ~Tracked() override { log->push_back("timer"); }
-    int CreateTimer(double, bool, std::function<void()>) override { return 0; }
-    void InvalidateTimer(int) override {}
-    std::vector<std::string>* log;
-  };
-  struct TrackedThread : MockThread {
-    explicit TrackedThread(std::vector<std::string>* log) : log(log) {}
-    ~TrackedThread() override { log->push_back("main_thread"); }
-    std::vector<std::string>* log;
-  };
-  {
-    tessel::GlobalNativeImpHolder holder;
-    EXPECT_FALSE(holder.thread_factory);
-    EXPECT_FALSE(holder.timer);
-    EXPECT_FALSE(holder.file_manager);
-    EXPECT_FALSE(holder.main_thread);
-    holder.timer = std::make_shared<Tracked>(&released);
-    holder.main_thread = std::make_shared<TrackedThread>(&released);
-  }
-  EXPECT_EQ(released, (std::vector<std::string>{"main_thread", "timer"}));
-}
-
 }  // namespace
