@@ -1,9 +1,7 @@
-// The value model: construction, accessors, indexing, equality, sharing.
+// The value model: indexing, moves, shared readers.
 #include <gtest/gtest.h>
 
-#include <climits>
-#include <cmath>
-#include <limits>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -12,9 +10,6 @@
 namespace {
 
 using json11::Json;
-
-const double kNan = std::numeric_limits<double>::quiet_NaN();
-const double kInf = std::numeric_limits<double>::infinity();
 
 TEST(JsonValue, IndexingNeverInserts) {
   const Json empty_object = Json::object{};
