@@ -1,4 +1,4 @@
-// The serializer, the order of values, has_shape, and round trips.
+// The serializer: string escapes at every position and doubles against printf.
 #include <gtest/gtest.h>
 
 #include <cmath>
