@@ -28,27 +28,12 @@ class FileTest : public TempDirTest {
   }
 };
 
-TEST(FileName, FollowsEitherSeparator) {
-  EXPECT_EQ(File("C:/data/mail.eml").fileName(), "mail.eml");
-  EXPECT_EQ(File("C:/data/").fileName(), "");
-  EXPECT_EQ(File("C:\\data\\mail.eml").fileName(), "mail.eml");
-}
-
 // What a file that cannot be examined answers.
 void ExpectNeutral(File& file) {
   EXPECT_FALSE(file.exist());
   EXPECT_EQ(file.fileSize(), 0u);
   EXPECT_EQ(file.createTime(), 0);
   EXPECT_EQ(file.modifyTime(), 0);
-}
-
-TEST(FileWithoutManager, AnswersNeutrally) {
-  InjectFileManager(nullptr);
-  File file("/");
-  ExpectNeutral(file);
-  EXPECT_EQ(file.move("D:/x/y.txt"), 0);
-  EXPECT_EQ(file.fullPath(), "D:/x/y.txt");
-  EXPECT_EQ(file.fileName(), "y.txt");
 }
 
 TEST_F(FileTest, ExaminesARealFile) {
@@ -87,30 +72,6 @@ TEST_F(FileTest, DigestsFilesAcrossReadChunks) {
     EXPECT_EQ(file.md5(), tessel::StringUtils::md5(data)) << length;
   }
   EXPECT_EQ(File(Make("empty", "")).md5(), "D41D8CD98F00B204E9800998ECF8427E");
-}
-
-TEST_F(FileTest, ReadsWholeAndByChunks) {
-  const std::string data = Pattern(600000);
-  File file(Make("big", data));
-  long long length = 0;
-  std::unique_ptr<char[]> whole(file.read(&length));
-  ASSERT_EQ(length, 600000);
-  EXPECT_EQ(std::string(whole.get(), 600000), data);
-  EXPECT_EQ(file.readChunk(0, &length), data.substr(0, 524288));
-  EXPECT_EQ(length, 524288);
-  EXPECT_EQ(file.readChunk(1, &length), data.substr(524288));
-  EXPECT_EQ(length, 75712);
-  EXPECT_EQ(file.readChunk(2, &length), "");
-  EXPECT_EQ(length, 0);
-}
-
-TEST_F(FileTest, MovesTheFileAndItsName) {
-  File file(Make("a.txt", "payload"));
-  ASSERT_EQ(file.move(Path("b.txt")), 0);
-  EXPECT_EQ(file.fullPath(), Path("b.txt"));
-  EXPECT_EQ(file.fileName(), "b.txt");
-  EXPECT_FALSE(std::filesystem::exists(Path("a.txt")));
-  EXPECT_EQ(Slurp(Path("b.txt")), "payload");
 }
 
 }  // namespace

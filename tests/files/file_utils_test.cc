@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include "support/table.h"
 #include "temp_dir.h"
@@ -13,18 +11,6 @@
 namespace {
 
 namespace FileUtils = tessel::FileUtils;
-
-std::string Formalized(std::string path, bool append_slash) {
-  FileUtils::formalizePath(path, append_slash);
-  return path;
-}
-
-TEST(FileUtilsPath, FormalizesSeparators) {
-  EXPECT_EQ(Formalized("C:\\dir\\sub", true), "C:/dir/sub/");
-  EXPECT_EQ(Formalized("C:\\dir\\sub", false), "C:/dir/sub");
-  EXPECT_EQ(Formalized("a/", true), "a/");
-  EXPECT_EQ(Formalized("", true), "");
-}
 
 using test_table::ExpectEach;
 
@@ -37,43 +23,6 @@ TEST(FileUtilsPath, SplitsTheFinalComponent) {
   ExpectEach(FileUtils::fileDirFromFilePath,
              {{"dir/sub/name.txt", "dir/sub/"}, {"name.txt", ""}, {"a/b/", "a/b"},
               {"C:\\dir\\x.eml", "C:\\dir\\"}});
-}
-
-TEST(FileUtilsPath, FindsTheExtension) {
-  ExpectEach(FileUtils::fileExtensionFromFilePath,
-             {{"a/b.txt", ".txt"}, {"a/b", ""}, {"a/.profile", ".profile"}, {"name.tar.gz", ".gz"},
-              {"dir.d\\name", ""}, {"my file.a b", ""}, {"name.", "."}, {"", ""}});
-}
-
-// Expected types from Debian's media-types (/etc/mime.types) and, for msg,
-// the type Outlook registers.
-TEST(FileUtilsMime, KnowsTheTypesAMailClientMeets) {
-  const struct {
-    const char* extension;
-    const char* type;
-  } kCases[] = {
-      {"eml", "message/rfc822"}, {"ics", "text/calendar"}, {"vcf", "text/vcard"},
-      {"msg", "application/vnd.ms-outlook"}, {"htm", "text/html"}, {"jpg", "image/jpeg"},
-      {"docx", "application/vnd.openxmlformats-officedocument.wordprocessingml.document"},
-  };
-  for (const auto& c : kCases) {
-    EXPECT_EQ(FileUtils::mimeTypeFromFileExtension(c.extension), c.type) << c.extension;
-  }
-  // Case and one leading dot are ignored; anything else unknown is a stream.
-  ExpectEach(FileUtils::mimeTypeFromFileExtension,
-             {{".PDF", "application/pdf"}, {"Eml", "message/rfc822"},
-              {"..pdf", "application/octet-stream"}, {"nosuchext", "application/octet-stream"},
-              {"", "application/octet-stream"}, {".", "application/octet-stream"},
-              {std::string("pdf\0x", 5), "application/octet-stream"}});
-}
-
-TEST(FileUtilsTmp, NamesTheTemporaryDirectoryWithATrailingSlash) {
-  const std::string path = FileUtils::tmpPath("a", "b");
-  EXPECT_EQ(path, FileUtils::tmpPath("", "other"));
-  ASSERT_FALSE(path.empty());
-  EXPECT_EQ(path.back(), '/');
-  EXPECT_EQ(path.find('\\'), std::string::npos);
-  EXPECT_TRUE(std::filesystem::is_directory(path));
 }
 
 using FileUtilsIo = TempDirTest;
@@ -96,19 +45,6 @@ TEST_F(FileUtilsIo, ReadsWholeFiles) {
   EXPECT_EQ(FileUtils::readFile(dir_.string(), &buffer), 0);
   EXPECT_EQ(buffer, nullptr);
   EXPECT_EQ(FileUtils::readFile(Make("f", "data"), nullptr), 0);
-}
-
-TEST_F(FileUtilsIo, ReadsChunksByIndex) {
-  const std::string data = Pattern(1000);
-  const std::string path = Make("f", data);
-  const struct {
-    long long index, size, expected_begin, expected_length;
-  } kCases[] = {{0, 512, 0, 512}, {1, 512, 512, 488}, {2, 500, 0, 0}, {3, 250, 750, 250}};
-  for (const auto& c : kCases) {
-    std::string out = "previous";
-    EXPECT_EQ(FileUtils::readChunkFromFile(path, c.index, out, c.size), c.expected_length);
-    EXPECT_EQ(out, data.substr(c.expected_begin, c.expected_length)) << c.index << "/" << c.size;
-  }
 }
 
 TEST_F(FileUtilsIo, ReadChunkRefusesBadArgumentsWithAnEmptyResult) {

@@ -30,15 +30,6 @@ TEST(DeepNesting, HundredThousandOpeningBracketsHitTheDepthLimit) {
   }
 }
 
-TEST(DeepNesting, ParseMultiStopsAtTheFirstTooDeepValue) {
-  std::string err;
-  std::vector<Json> values = Json::parse_multi("1 " + Repeat("[", 100000), err);
-  ASSERT_EQ(values.size(), 2u);
-  EXPECT_EQ(values[0], Json(1));
-  EXPECT_TRUE(values[1].is_null());
-  EXPECT_EQ(err, "exceeded maximum nesting depth");
-}
-
 TEST(DeepNesting, MillionLevelsBuiltInCodeDumpAndReleaseWithSharedPartsKept) {
   constexpr size_t kDepth = 1000000;
   Json shared = Json::object{{"k", Json::array{1}}};

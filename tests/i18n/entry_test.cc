@@ -35,14 +35,6 @@ TEST(Entry, KeysJoinContextAndMessageWithEot) {
   EXPECT_EQ(noop.getKey(), std::string("ctx\x04" "a"));  // the plural is never part of it
 }
 
-TEST(Entry, NoopEntryPrintsItsDomain) {
-  auto* registry = I18N::I18nUtils::getInstance();
-  EXPECT_EQ(registry->ngettextNoop("file", "files", "app").toString(),
-            "[NoopEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files\n\t Domain:\t\t app");
-  EXPECT_EQ(registry->nxgettextNoop("file", "files", "disk", "").toString(),
-            "[NoopEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files\n\t Context:\t\t disk");
-}
-
 // The plural line needs both the flag and the text; one form prints unnumbered.
 TEST(Entry, TranslateEntryPrintsItsFieldsAndForms) {
   const std::string head = "[TranslateEntry]\n\t Singular:\t\t ";
@@ -57,14 +49,6 @@ TEST(Entry, TranslateEntryPrintsItsFieldsAndForms) {
       {{"", "", false, {}}, "[TranslateEntry]"},
   };
   for (const auto& [entry, expected] : kCases) EXPECT_EQ(entry.toString(), expected);
-}
-
-TEST(Entry, SlicedCopiesKeepTheDerivedClassName) {
-  Entry base;
-  base = FilledTranslateEntry("file", "files", true, {"Datei", "Dateien"});
-  EXPECT_EQ(base.toString(), "[TranslateEntry]\n\t Singular:\t\t file\n\t Plural:\t\t files");
-  EXPECT_EQ(Entry().toString(), "[Entry]");
-  I18N::I18nUtils::destroyInstance();
 }
 
 }  // namespace

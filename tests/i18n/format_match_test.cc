@@ -39,42 +39,6 @@ TEST(FormatMatch, PositionsReorderRepeatAndSkip) {
   EXPECT_EQ(I18nUtils::formatMatch("%d01 %d1", 9), "9 %d1");
 }
 
-TEST(FormatMatch, LeavesUnrecognisedTextAlone) {
-  EXPECT_EQ(I18nUtils::formatMatch("no placeholders"), "no placeholders");
-  EXPECT_EQ(I18nUtils::formatMatch("%d of %d"), "%d of %d");
-  // "%%" is no escape: the second percent sign starts the placeholder.
-  EXPECT_EQ(I18nUtils::formatMatch("100%%d1", 5), "100%5");
-  EXPECT_EQ(I18nUtils::formatMatch(nullptr), "");
-  EXPECT_EQ(I18nUtils::formatMatch("%d99999999999 %d1", 4), "%d99999999999 4");
-}
-
-TEST(FormatMatch, ReadsArgumentsByLengthAndConversion) {
-  EXPECT_EQ(I18nUtils::formatMatch("%lld1", 1LL << 40), "1099511627776");
-  // long has 64 bits on Linux, 32 on Windows.
-  EXPECT_EQ(I18nUtils::formatMatch("%ld1", std::numeric_limits<long>::min()),
-            std::to_string(std::numeric_limits<long>::min()));
-  EXPECT_EQ(I18nUtils::formatMatch("%hhd1", 257), "1");
-  EXPECT_EQ(I18nUtils::formatMatch("%hd1", 65537), "1");
-  EXPECT_EQ(I18nUtils::formatMatch("%hhu1 %hx2", 511, 0x12345), "255 2345");
-  EXPECT_EQ(I18nUtils::formatMatch("%c1", 65), "A");
-  EXPECT_EQ(I18nUtils::formatMatch("%lc1", 66), "B");
-  EXPECT_EQ(I18nUtils::formatMatch("%5.1f1", 3.14159), "  3.1");
-  EXPECT_EQ(I18nUtils::formatMatch("%Lf1|%.2e2", 0.5, 12345.0), "0.500000|1.23e+04");
-  EXPECT_EQ(I18nUtils::formatMatch("%jd1 %zu2 %#x3 %05d4", -2, 3u, 255, 42), "-2 3 0xff 00042");
-  EXPECT_EQ(I18nUtils::formatMatch("%ls1", L"wide"), "wide");
-  const void* pointer = reinterpret_cast<const void*>(0x1234);
-  // Each C library spells pointers its own way ("0x1234", "0000000000001234").
-  char spelled[32];
-  std::snprintf(spelled, sizeof spelled, "%p", pointer);
-  EXPECT_EQ(I18nUtils::formatMatch("%p1", pointer), spelled);
-}
-
-TEST(FormatMatch, InsertedValuesAreNeverSearchedAgain) {
-  EXPECT_EQ(I18nUtils::formatMatch("%s1 then %s2", "%s1%s2", "b"), "%s1%s2 then b");
-  EXPECT_EQ(I18nUtils::formatMatch("%s2 %s1", "%d2", "%s1"), "%s1 %d2");
-  EXPECT_EQ(I18nUtils::formatMatch("%%s1", "d2"), "%d2");
-}
-
 // Values, widths and precisions are cut at 102,397 bytes per placeholder.
 TEST(FormatMatch, LongValuesAndHugeWidthsAreCut) {
   EXPECT_EQ(I18nUtils::formatMatch("<%s1>", std::string(200000, 'v').c_str()),

@@ -53,19 +53,6 @@ TEST_F(Registry, EmptyDomainIsDefaultDomainOnlyWhenRegisteringAndFetching) {
   EXPECT_EQ(registry().gettext("Open", "app"), "Öffnen");
 }
 
-TEST_F(Registry, TheFourLookupsAndTheirFallbacks) {
-  registry().addMO(image_.data(), GermanRule, 2, "hand");
-  EXPECT_EQ(registry().xgettext("Open", "menu", "hand"), "Menü öffnen");
-  EXPECT_EQ(registry().xgettext("Open", "nothing", "hand"), "Open");
-  EXPECT_EQ(registry().nxgettext("mail", "mails", 0, "box", "hand"), "Posten");
-  EXPECT_EQ(registry().nxgettext("mail", "mails", 0, "", "hand"), "mails");
-  EXPECT_EQ(registry().gettext("Open", "absent"), "Open");
-  EXPECT_EQ(registry().xgettext("Open", "menu", "absent"), "Open");
-  EXPECT_EQ(registry().ngettext("file", "files", 1, "absent"), "file");
-  for (int n : {0, 2, -1}) EXPECT_EQ(registry().ngettext("file", "files", n, "absent"), "files");
-  EXPECT_EQ(registry().nxgettext("file", "files", 1, "c", "absent"), "file");
-}
-
 TEST_F(Registry, RegisteringABadSourceStillReplacesTheCatalog) {
   registry().addMO(image_.data(), GermanRule, 2, "ui");
   EXPECT_EQ(registry().gettext("Open", "ui"), "Öffnen");
@@ -79,28 +66,6 @@ TEST_F(Registry, RegisteringABadSourceStillReplacesTheCatalog) {
   EXPECT_FALSE(registry().hasMO("x"));
 }
 
-TEST_F(Registry, CatalogsAreStoredByValue) {
-  MO mo(image_.data(), image_.size(), GermanRule, 2);
-  registry().addMO(mo, "copy");
-  mo = MO();
-  EXPECT_EQ(registry().gettext("Open", "copy"), "Öffnen");
-  const I18nUtils snapshot(registry());
-  registry().removeAllMO();
-  EXPECT_FALSE(registry().hasMO("copy"));
-  EXPECT_EQ(snapshot.gettext("Open", "copy"), "Öffnen");
-}
-
-TEST_F(Registry, GetMoCreatesAnEmptyCatalog) {
-  const MO& created = registry().getMO("nowhere");
-  EXPECT_FALSE(created.getIsInited());
-  EXPECT_TRUE(registry().hasMO("nowhere"));
-  EXPECT_EQ(created.selectPluralForm(1), 0u);
-  EXPECT_EQ(created.selectPluralForm(5), 1u);
-  registry().removeMO("nowhere");
-  registry().removeMO("never-there");
-  EXPECT_FALSE(registry().hasMO("nowhere"));
-}
-
 TEST_F(Registry, DeferredEntriesTranslateInTheirOwnDomainFirst) {
   registry().addMO(image_.data(), GermanRule, 2, "core");
   auto fromArgument = registry().ngettextNoop("file", "files", "");
@@ -112,13 +77,6 @@ TEST_F(Registry, DeferredEntriesTranslateInTheirOwnDomainFirst) {
   EXPECT_EQ(registry().translateNooped(withContext, 2, ""), "Posten");
   EXPECT_EQ(withContext.getDomain(), "core");
   EXPECT_TRUE(own.getIsPural());
-}
-
-TEST_F(Registry, DestroyTwiceThenAFreshRegistry) {
-  registry().addMO(image_.data(), GermanRule, 2, "d");
-  I18nUtils::destroyInstance();
-  I18nUtils::destroyInstance();
-  EXPECT_FALSE(registry().hasMO("d"));
 }
 
 // The UI thread switches the language of a domain back and forth, removes it

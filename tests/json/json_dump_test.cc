@@ -1,4 +1,4 @@
-// The serializer, the order of values, has_shape, and round trips.
+// The serializer: string escapes at every position and doubles against printf.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,29 +14,6 @@
 namespace {
 
 using json11::Json;
-
-TEST(JsonDump, ValuesTable) {
-  const double inf = std::numeric_limits<double>::infinity();
-  const std::pair<Json, std::string> cases[] = {
-      {Json::object{{"b", 1}, {"a", Json::array{true, nullptr}}}, R"({"a": [true, null], "b": 1})"},
-      {Json::array{}, "[]"}, {Json::object{}, "{}"},
-      {Json::array{Json::array{}, Json::object{{"", ""}}}, R"([[], {"": ""}])"}, {Json(), "null"},
-      {false, "false"}, {true, "true"}, {"\xe2\x80\xa8", R"("\u2028")"},
-      {"a\xe2\x80\xa9z", R"("a\u2029z")"},
-      // An 0xE2 not starting U+2028/U+2029 is copied, as is every byte from 0x80.
-      {"\xe2\x80\xa6", "\"\xe2\x80\xa6\""}, {"\xe2\x80", "\"\xe2\x80\""}, {"\xe2", "\"\xe2\""},
-      {"\xc3\xa9\xff", "\"\xc3\xa9\xff\""}, {Json::object{{"k\"\n", 1}}, R"({"k\"\n": 1})"},
-      {-7, "-7"}, {std::numeric_limits<int>::min(), "-2147483648"},
-      {9007199254740993LL, "9007199254740993"},
-      {std::numeric_limits<long long>::min(), "-9223372036854775808"}, {inf, "1e999"},
-      {-inf, "-1e999"},
-      {std::numeric_limits<double>::quiet_NaN(), "null"}, {Json::array{inf}, "[1e999]"},
-  };
-  for (const auto& [value, expected] : cases) EXPECT_EQ(value.dump(), expected) << expected;
-  std::string out = "x";
-  Json(Json::array{1}).dump(out);
-  EXPECT_EQ(out, "x[1]");
-}
 
 // Every byte value at every position of strings and keys of 1 to 24 bytes
 // (the writer checks plain text a word at a time), against the escape rules
@@ -109,45 +86,6 @@ TEST(JsonDump, DoublesMatchPrintf) {
     if (!std::isfinite(value)) continue;  // pow(10, 309) and up, random infinities and NaNs
     ASSERT_EQ(Json(value).dump(), Printf17(value)) << std::hexfloat << value;
   }
-}
-
-// Each pair is strictly ascending; comparison operators are checked both ways.
-TEST(JsonOrder, TypesFirstThenValues) {
-  const std::pair<Json, Json> ascending[] = {
-      {Json(), 0},  {5, false},  {true, ""},  {"", Json::array{}},
-      {Json::array{}, Json::object{}},  {false, true},  {1, 1.5},  {-1LL, 0},  {2.5, 3},
-      {"a", "b"},  {"a", "ab"},  {"Z", "a"},  {"z", "\xc3\xa9"},  // byte-wise, 0xC3 after 'z'
-      {Json::array{1, 2}, Json::array{1, 3}},  {Json::array{1}, Json::array{1, 0}},
-      {Json::object{{"a", 1}}, Json::object{{"b", 0}}},
-      {Json::object{{"a", 1}}, Json::object{{"a", 2}}},
-      {Json::object{{"a", 1}}, Json::object{{"a", 1}, {"b", 0}}},
-  };
-  for (const auto& [low, high] : ascending) {
-    EXPECT_TRUE(low < high && high > low && low <= high && high >= low) << low.dump() << high.dump();
-    EXPECT_FALSE(high < low || low > high || high <= low || low >= high) << low.dump() << high.dump();
-  }
-  for (const auto& [a, b] : {std::pair<Json, Json>{Json(), Json()}, {true, true}, {2LL, 2.0}}) {
-    EXPECT_TRUE(a <= b && a >= b && !(a < b) && !(a > b)) << a.dump() << b.dump();
-  }
-  const Json nan(std::numeric_limits<double>::quiet_NaN());  // follows from < alone
-  EXPECT_TRUE(!(nan < nan) && !(nan > nan) && nan <= nan && nan >= nan && !(nan == nan));
-}
-
-TEST(JsonShape, MessagesQuoteTheValue) {
-  std::string err = "untouched";
-  const Json object = Json::object{{"n", 1}};
-  EXPECT_TRUE(object.has_shape({{"n", Json::Number}}, err));
-  EXPECT_TRUE(object.has_shape({{"missing", Json::Null}}, err));
-  EXPECT_TRUE(object.has_shape({}, err));
-  EXPECT_EQ(err, "untouched");
-  EXPECT_FALSE(Json(5).has_shape({{"n", Json::Number}}, err));
-  EXPECT_EQ(err, "expected JSON object, got 5");
-  EXPECT_FALSE(Json(Json::array{1}).has_shape({}, err));
-  EXPECT_EQ(err, "expected JSON object, got [1]");
-  EXPECT_FALSE(object.has_shape({{"n", Json::Number}, {"s", Json::String}}, err));
-  EXPECT_EQ(err, R"(bad type for s in {"n": 1})");
-  EXPECT_FALSE(object.has_shape({{"n", Json::Bool}}, err));
-  EXPECT_EQ(err, R"(bad type for n in {"n": 1})");
 }
 
 }  // namespace

@@ -70,39 +70,6 @@ TEST(JsonParse, EveryErrorMessageWithItsExactText) {
   }
 }
 
-TEST(JsonParse, SuccessLeavesErrUntouchedAndCStringStopsAtNul) {
-  std::string err = "left by caller";
-  EXPECT_EQ(Json::parse(" \t\r\n1\n", err), Json(1));
-  EXPECT_EQ(Json::parse("[1]\0garbage", err), Json(Json::array{1}));
-  EXPECT_EQ(err, "left by caller");
-  EXPECT_TRUE(Json::parse(static_cast<const char*>(nullptr), err).is_null());
-  EXPECT_EQ(err, "null input");
-}
-
-TEST(JsonParse, ValuesAndStrings) {
-  const std::pair<const char*, Json> values[] = {
-      {"true", true}, {"false", false}, {"null", nullptr}, {"[ ]", Json::array{}},
-      {"{ }", Json::object{}},
-      {R"( { "a" : [ 1 , { "b" : null } ] , "c" : "d" } )",
-       Json::object{{"a", Json::array{1, Json::object{{"b", nullptr}}}}, {"c", "d"}}},
-      {R"({"a": 1, "b": 2, "a": [3]})", Json::object{{"a", Json::array{3}}, {"b", 2}}},
-  };
-  for (const auto& [text, expected] : values) EXPECT_EQ(Parse(text), expected) << text;
-  const Case strings[] = {
-      {R"("\ud83d\ude00")", "\xF0\x9F\x98\x80"},
-      {R"("\ud83d")", "\xED\xA0\xBD"},  // lone high surrogate
-      {R"("\ude00x")", "\xED\xB8\x80x"},  // lone low surrogate
-      {R"("\ud83dx\ude00")", "\xED\xA0\xBDx\xED\xB8\x80"},
-      {R"("\ud83d\ud83d\ude00")", "\xED\xA0\xBD\xF0\x9F\x98\x80"},
-      {R"("\u0041\u07ff\u0800\uffff")", "A\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
-      {R"("\u0000")", std::string("\0", 1)},
-      {R"("\"\\\/\b\f\n\r\t")", "\"\\/\b\f\n\r\t"},
-      // Bytes from 0x80 up are copied as they come, valid UTF-8 or not.
-      {"\"\xff\xfe\xc3\xa9\"", "\xff\xfe\xc3\xa9"},
-  };
-  for (const auto& c : strings) EXPECT_EQ(Parse(c.input).string_value(), c.expected) << c.input;
-}
-
 std::string Nested(int depth, const std::string& open, const std::string& inner,
                    const std::string& close) {
   std::string text;
