@@ -137,6 +137,19 @@ TEST(JsonParse, DoublesMatchStrtodIncludingOutOfRange) {
   }
 }
 
+// Escapes as RFC 8259 section 7 defines them (U+1D11E as a surrogate pair), and
+// containers written with the separators ", " and ": ", keys in byte order.
+TEST(JsonParse, EscapesAndContainersMatchValuesBuiltInCode) {
+  const Json built = Json::object{{"b", Json::object{}},
+                                  {"a", Json::array{1, true, nullptr, "\xC3\xA9\xF0\x9D\x84\x9E\n"}}};
+  const std::string text = R"({"a": [1, true, null, "\u00e9\ud834\udd1e\n"], "b": {}})";
+  EXPECT_EQ(Parse(text), built);
+  EXPECT_EQ(built.dump(), "{\"a\": [1, true, null, \"\xC3\xA9\xF0\x9D\x84\x9E\\n\"], \"b\": {}}");
+  std::string err;
+  EXPECT_TRUE(built.has_shape({{"a", Json::Array}, {"b", Json::Object}}, err));
+  EXPECT_FALSE(built.has_shape({{"a", Json::Object}}, err));
+}
+
 TEST(JsonParseMulti, ValuesOneAfterAnotherAndFailureEndsWithNull) {
   struct MultiCase {
     const char* input;
