@@ -114,4 +114,14 @@ TEST(Paths, RelativeThenFullGivesThePathBack) {
   }
 }
 
+TEST(Paths, LastPathComponent) {
+  const auto last = [](const std::string& path, const std::string& separator) {
+    return StringUtils::lastPathComponent(path, separator[0]);
+  };
+  ExpectEach2(last, {{"/a/b/c.txt", "/", "c.txt"}, {"/a/b/", "/", "b"}, {"a/b", "/", "b"},
+                     {"/a", "/", "/a"}, {"b/", "/", "b/"}, {"/a/b//", "/", ""}, {"/", "/", "/"},
+                     {"", "/", ""}, {"//", "/", "//"}, {"C:\\dir\\f.txt", "\\", "f.txt"},
+                     {"C:\\dir\\f.txt", "/", "C:\\dir\\f.txt"}});
+}
+
 }  // namespace
