@@ -7,27 +7,19 @@
 #include <cstdio>
 #include <cstring>
 #include <cstdlib>
-#include <ctime>
 #include <iomanip>
 #include <random>
 #include <regex>
 #include <sstream>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "common/string_utils.h"
-#include "support/scoped_time_zone.h"
-#include "support/table.h"
 
 namespace {
 
 using tessel::StringUtils;
-using Pieces = std::vector<std::string>;
 
-using test_support::ScopedTimeZone;
-using test_table::ExpectEach;
-using test_table::ExpectEach2;
 
 TEST(IntToString, MatchesStreamPaddingForEveryWidthUpTo200) {
   // Widths 1-9 pad with zeros after the sign, 10 and more with spaces.
@@ -43,42 +35,6 @@ TEST(IntToString, MatchesStreamPaddingForEveryWidthUpTo200) {
   }
 }
 
-TEST(NumberConversion, IsNumberStringString2BoolAndStringToInt) {
-  ExpectEach<bool>(StringUtils::isNumberString,
-                   {{"007", true}, {"", false}, {"-1", false}, {"1.0", false}, {" 1", false},
-                    {std::string("1\0", 2), false}, {"\xd9\xa1", false}});  // ARABIC-INDIC ONE
-  for (const char* yes : {"1", "001", "TRUE!", " True", "\ttrue", "trueish"}) {
-    EXPECT_TRUE(StringUtils::string2Bool(yes)) << yes;
-  }
-  for (const char* no : {"0", "10", "99999999999999999999", "tru", "false", "", "+1", "1.0",
-                         "xtrue"}) {
-    EXPECT_FALSE(StringUtils::string2Bool(no)) << no;
-  }
-  ExpectEach<int>([](const std::string& text) { return StringUtils::stringToInt(text, 7); },
-                  {{"abc", 7}, {"", 7}, {"-", 7}, {"99999999999", 7}, {"2147483648", 7},
-                   {"-2147483649", 7}, {"2147483647", INT_MAX}, {"-2147483648", INT_MIN},
-                   {" 42x", 42}, {"12abc", 12}, {"  -5", -5}, {"+8", 8}, {"0x1A", 0}});
-}
-
-TEST(PrefixSuffix, ByteForByte) {
-  ExpectEach2<bool>(StringUtils::hasPrefix, {{"abc", "", true}, {"abc", "ab", true},
-                                             {"ab", "abc", false}, {"abc", "AB", false}});
-  ExpectEach2<bool>(StringUtils::hasSuffix,
-                    {{"abc", "bc", true}, {"abc", "", true}, {"abc", "BC", false},
-                     {"bc", "abc", false}, {std::string("a\0b", 3), std::string("\0b", 2), true}});
-}
-
-TEST(Trim, PassesRunInOrderSpaceLineFeedTab) {
-  ExpectEach(
-      [](std::string text) {
-        const std::string* returned = &StringUtils::trim(text);
-        return returned == &text ? text : "not the argument";
-      },
-      {{"", ""}, {"   ", ""}, {"\tab", "\tab"}, {"ab\n\n", "ab"}, {"ab\t\n", "ab"},
-       {"ab\n\t ", "ab\n"}, {"ab \t\n", "ab "}, {"  a b  ", "a b"}, {"\nab", "\nab"},
-       {"ab\r\n", "ab\r"}, {"ab\t\t", "ab"}, {" \t", ""}});
-}
-
 TEST(CaseMapping, EveryByteFollowsTheCLocale) {
   std::string all(256, '\0'), expected_lower(all), expected_upper(all);
   for (int i = 0; i < 256; ++i) {
@@ -89,102 +45,6 @@ TEST(CaseMapping, EveryByteFollowsTheCLocale) {
   EXPECT_EQ(StringUtils::to_uppercase(all), expected_upper);
   EXPECT_EQ(StringUtils::to_lowercase(all), expected_lower);
   EXPECT_EQ(all, expected_lower);  // changed in place as well
-}
-
-TEST(ReplaceAllDistinct, InsertedTextIsNeverSearchedAgain) {
-  struct Case {
-    std::string text, old_value, new_value, expected;
-  };
-  const Case cases[] = {
-      {"a.b.c", ".", "", "abc"},    {"aaa", "a", "aa", "aaaaaa"},  {"aabb", "ab", "b", "abb"},
-      {"abc", "", "x", "abc"},      {"", "a", "b", ""},            {"xyz", "q", "r", "xyz"},
-      {"abab", "ab", "ab", "abab"}, {"a-b-", "-", "--", "a--b--"}, {"aaaa", "aa", "a", "aa"},
-  };
-  for (const Case& c : cases) {
-    std::string text = c.text;
-    EXPECT_EQ(&StringUtils::replace_all_distinct(text, c.old_value, c.new_value), &text);
-    EXPECT_EQ(text, c.expected) << c.text << " / " << c.old_value << " -> " << c.new_value;
-  }
-}
-
-TEST(SplitJoin, EmptyPiecesVanishButJoinKeepsTheirSeparators) {
-  const std::tuple<std::string, std::string, Pieces> splits[] = {
-      {"", ",", {}}, {",,", ",", {}}, {"a,b", "", {"a,b"}}, {"", "", {}},
-      {"/a//b/", "/", {"a", "b"}}, {"k=v&x", "&=", {"k", "v", "x"}},
-      {std::string("a\0b\xff" "c", 5), std::string("\0\xff", 2), {"a", "b", "c"}},
-  };
-  for (const auto& [text, separators, pieces] : splits) {
-    EXPECT_EQ(StringUtils::string_split(text, separators), pieces) << text << " by " << separators;
-  }
-  const std::tuple<Pieces, std::string, std::string> joins[] = {
-      {{}, ",", ""}, {{"only"}, ",", "only"}, {{"a", "", "b"}, ",", "a,,b"},
-      {{"a", "b"}, "::", "a::b"}, {{"", ""}, "/", "/"},
-  };
-  for (const auto& [pieces, separator, joined] : joins) {
-    EXPECT_EQ(StringUtils::componentsJoinedByString(pieces, separator), joined);
-  }
-}
-
-TEST(StringFormat, OutputsAroundTheBufferSize) {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-zero-length"
-  EXPECT_EQ(StringUtils::string_format(""), "");
-#pragma GCC diagnostic pop
-  // "%s" starts with a 4-byte buffer: 3 bytes fit, 4 fill it exactly, 5 do not.
-  for (const char* text : {"x", "abc", "abcd", "abcde"}) {
-    EXPECT_EQ(StringUtils::string_format("%s", text), text);
-  }
-  const std::string big(10000, 'q');
-  EXPECT_EQ(StringUtils::string_format("%s", big.c_str()), big);
-  EXPECT_EQ(StringUtils::string_format("<%s|%s>", big.c_str(), "z"), "<" + big + "|z>");
-  EXPECT_EQ(StringUtils::string_format("%d-%05.1f-%x", -3, 2.25, 255u), "-3-002.2-ff");
-  EXPECT_EQ(StringUtils::string_format("ab%cde", 0), "ab");  // a formatted NUL ends the text
-}
-
-TEST(Dates, GetDateMatchesTheCLibrary) {
-  // Read the clock on both sides so that a midnight in between is noticed.
-  for (int attempt = 0; attempt < 3; ++attempt) {
-    const time_t before = time(nullptr);
-    const std::string date = StringUtils::getDate();
-    const time_t after = time(nullptr);
-    const std::tm local = *std::localtime(&before);  // no other thread converts
-    char expected[64];
-    std::snprintf(expected, sizeof expected, "%d-%d-%d", local.tm_year + 1900, local.tm_mon + 1,
-                  local.tm_mday);
-    if (std::localtime(&after)->tm_mday != local.tm_mday) continue;
-    EXPECT_EQ(date, expected);
-    return;
-  }
-  FAIL() << "the date kept changing";
-}
-
-TEST(Dates, OuputDateFrom1979CountsFrom1970AndWritesNothingForRejectedValues) {
-  ScopedTimeZone utc("UTC");
-  const struct {
-    long long seconds;
-    const char* format;
-    const char* expected;  // from `date -u -d @<seconds>`
-  } cases[] = {
-      {0, "%Y-%m-%d %H:%M:%S", "1970-01-01 00:00:00"},
-      {1000000000, "%Y/%m/%d %H:%M:%S", "2001/09/09 01:46:40"},
-      // Windows' C runtime converts no time before 1970, so nothing is written.
-      {-1, "%F %T", test_support::kOnWindows ? "" : "1969-12-31 23:59:59"},
-      {LLONG_MAX, "%Y", ""},
-      {LLONG_MIN, "%Y", ""},
-      {1000000000000LL, "%Y", ""},  // beyond the tick range
-      {0, nullptr, ""},
-  };
-  for (const auto& c : cases) {
-    std::ostringstream out;
-    out << "keep:";
-    StringUtils::OuputDateFrom1979(out, c.seconds, c.format);
-    EXPECT_EQ(out.str(), std::string("keep:") + c.expected) << c.seconds;
-  }
-}
-
-TEST(Email, Domain) {
-  ExpectEach(StringUtils::getEmailDomain,
-             {{"", ""}, {"user", ""}, {"user@", ""}, {"@x", "x"}, {"a@b@c.d", "c.d"}});
 }
 
 // Random strings over the bytes the patterns care about.

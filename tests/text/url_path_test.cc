@@ -65,45 +65,6 @@ TEST(UrlDecode, EscapeReadsLikeSscanfForAllBytePairs) {
   }
 }
 
-TEST(UrlParams, ReadsTheQueryAfterTheLastQuestionMark) {
-  const std::tuple<std::string, int, Params> cases[] = {
-      {"/p?a=1&b=2&a=3", 2, {{"a", "3"}, {"b", "2"}}},
-      {"no-query", 1, {{"old", "1"}}},  // left as it was
-      {"x?y?k=v", 1, {{"k", "v"}}},
-      {"/p?a&b=&=c&d=e=f&g==h&&i=%20#x", 2, {{"g", "h"}, {"i", "%20#x"}}},
-      {"/p?", 0, {}},
-  };
-  for (const auto& [url, count, expected] : cases) {
-    Params params{{"old", "1"}};
-    EXPECT_EQ(StringUtils::getUrlParams(url, params), count) << url;
-    EXPECT_EQ(params, expected) << url;
-  }
-}
-
-TEST(UrlParams, AppendFollowsTheQueryAndKeepsTheFragment) {
-  const Params one{{"k", "a b"}}, kv{{"k", "v"}}, none;
-  const std::tuple<std::string, Params, bool, std::string> cases[] = {
-      {"/p#top", one, true, "/p?k=a%20b#top"},  {"/p#top", one, false, "/p?k=a b#top"},
-      {"/p?x=1", kv, false, "/p?x=1&k=v"},       {"/p?x=1#f?g", kv, false, "/p?x=1&k=v#f?g"},
-      {"/p#", kv, false, "/p?k=v"},              {"p?a=1", none, true, "p?a=1&"},
-      {"p?", none, true, "p"},                   {"p", none, true, "p"},
-  };
-  for (const auto& [url, params, encode, expected] : cases) {
-    Params passed = params;
-    EXPECT_EQ(StringUtils::appendUrlParams(url, passed, encode), expected) << url;
-    EXPECT_EQ(passed, params) << url;
-  }
-}
-
-TEST(FileUrls, DocumentedExamples) {
-  ExpectEach(StringUtils::URLFromFilePath,
-             {{"/tmp/a b.txt", "file:///tmp/a%20b.txt"}, {"C:/a b", "file:///C%3a/a%20b"},
-              {"C:\\a", "file:///C%3a%5ca"}, {"//a//b//", "file:///a/b"}, {"", "file:///"}});
-  ExpectEach(StringUtils::FilePathFromURL,
-             {{"file:///C:/My%20Files/a.txt", "C:/My Files/a.txt"},
-              {"FILE:///x+y", "FILE:///x y"}, {"rel/a%2fb", "rel/a/b"}});
-}
-
 std::string RandomComponent(std::mt19937& random) {
   static const std::string kBytes = std::string("abcXYZ019 %+:#?&=.-_~\\\xc3\xa9\x01\x7f") +
                                     std::string(1, '\0');
@@ -130,19 +91,6 @@ TEST(FileUrls, PathToUrlAndBackRoundTrips) {
         << "[" << path << "] via " << StringUtils::URLFromFilePath(path);
   }
   EXPECT_EQ(StringUtils::FilePathFromURL(StringUtils::URLFromFilePath("/")), "/");
-}
-
-TEST(Paths, FullAndRelativePaths) {
-  ExpectEach2(StringUtils::fullPathFromRelativePath,
-              {{"../c/d", "/a/b", "/a/c/d"}, {"./c", "/a/b", "/a/b/./c"},
-               {"../../../c", "/a/b", "/c"}, {"../x", "a/b", "a/x"}, {"/a", "/x/y", "/x/y/a"},
-               {"", "/a/b", "/a/b/"}, {"dir/f", "/a", "dir/f"},
-               {"../a/../b", "/x/y", "/x/a/../b"}, {"..", "/x/y", "/x/"}, {"./", "", "."}});
-  ExpectEach2(StringUtils::relativePath2Path,
-              {{"/a/b/c/d.txt", "/a/b/x", "../c/d.txt"}, {"/a/b/c", "/a/b", "c"},
-               {"/a/b", "/a/b", ""}, {"/a", "/a/b/c", "../../"}, {"rel/x", "/a", "rel/x"},
-               {"/A/b", "/a/b", "../../A/b"}, {"/a/x/b", "/a/y/b", "../../x/b"},
-               {"", "/a", "../"}});
 }
 
 TEST(Paths, RelativeThenFullGivesThePathBack) {
