@@ -57,9 +57,10 @@ TEST(DelayedTasks, LoopSleepsUntilTheEarliestDeadlineWithoutPolling) {
   const long before = BlockedCount(worker);
   ReadyOrAbort(fired.get_future(), "the delayed task");
   EXPECT_GE(Clock::now() - posted, 400ms);
-  // Woken once by the first post, once at the deadline: a loop that polled
-  // would have blocked and woken hundreds of times meanwhile.
-  EXPECT_LE(BlockedCount(worker) - before, 3);
+  // Woken once by the first post, once at the deadline (an emulator's own
+  // locks add a few more): a loop that polled even every 20 ms would have
+  // blocked and woken at least twenty times meanwhile.
+  EXPECT_LE(BlockedCount(worker) - before, 10);
 }
 
 // Bytes the C library's allocator has handed out, large mappings included.
