@@ -1,6 +1,7 @@
 // The file helpers under conditions only a POSIX system lets a test arrange:
-// a full disk (RLIMIT_FSIZE in a child process), statx refused by a
-// system-call filter, permission bits and links, a file whose reads fail.
+// a full disk (RLIMIT_FSIZE in a child process), statx refused and reads
+// failing through a system-call filter, permission bits, links and FIFOs, a
+// file whose reads fail.
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <signal.h>
@@ -68,7 +69,7 @@ TEST_F(FilesPosix, AFullDiskLeavesTheOldContentsAndNoTemporaryFile) {
   EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()), 1);
 }
 
-TEST_F(FilesPosix, WritesKeepPermissionBitsAndReplaceTheFileALinkNames) {
+TEST_F(FilesPosix, WritesKeepPermissionBitsReplaceTheFileALinkNamesAndSpareFifos) {
   const std::string path = Make("f", "");
   for (const mode_t mode : {0640, 0604, 0200}) {
     ASSERT_EQ(chmod(path.c_str(), mode), 0);
@@ -84,7 +85,10 @@ TEST_F(FilesPosix, WritesKeepPermissionBitsAndReplaceTheFileALinkNames) {
   tessel::FileUtils::writeFile("through the link", 16, Path("link"));
   EXPECT_TRUE(fs::is_symlink(Path("link")));
   EXPECT_EQ(Slurp(target), "through the link");
-  EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()), 3);
+  ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
+  tessel::FileUtils::writeFile("x", 1, Path("fifo"));
+  EXPECT_TRUE(fs::is_fifo(Path("fifo")));
+  EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()), 4);
 }
 
 // /proc/self/mem is a regular file whose reads at offset 0 fail with EIO.
@@ -93,13 +97,14 @@ TEST(FileDigestPosix, AReadErrorIsAFailureNotADigest) {
   EXPECT_EQ(tessel::File("/proc/self/mem").md5(), "");
 }
 
-// The filter container sandboxes use for system calls they do not know:
-// statx fails with EPERM.
-bool RefuseStatx() {
+// A filter that makes system call `number` fail with `error`: EPERM for statx
+// is what container sandboxes give for calls they do not know, EIO for read a
+// failing disk.
+bool Refuse(unsigned number, unsigned error) {
   sock_filter filter[] = {
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_statx, 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
   };
   sock_fprog program{static_cast<unsigned short>(std::size(filter)), filter};
@@ -112,12 +117,24 @@ TEST_F(FilesPosix, TimesSurviveARefusedStatx) {
   struct stat status;
   ASSERT_EQ(stat(path.c_str(), &status), 0);
   const int code = ExitCodeOfChild([&] {
-    if (!RefuseStatx()) return 3;
+    if (!Refuse(__NR_statx, EPERM)) return 3;
     tessel::GenericFileManager manager;
     return manager.GetFileModifyTime(path) == status.st_mtime &&
                    manager.GetFileCreateTime(path) == status.st_mtime
                ? 0
                : 1;
+  });
+  if (code == 3) GTEST_SKIP() << "system-call filters cannot be installed here";
+  EXPECT_EQ(code, 0);
+}
+
+// A read that fails is no whole-file read, not even an empty one.
+TEST_F(FilesPosix, AFailingReadGivesNoBuffer) {
+  const std::string path = Make("f", "data");
+  const int code = ExitCodeOfChild([&] {
+    if (!Refuse(__NR_read, EIO)) return 3;
+    char* buffer = nullptr;
+    return tessel::FileUtils::readFile(path, &buffer) == 0 && buffer == nullptr ? 0 : 1;
   });
   if (code == 3) GTEST_SKIP() << "system-call filters cannot be installed here";
   EXPECT_EQ(code, 0);
