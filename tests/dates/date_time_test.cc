@@ -100,6 +100,56 @@ TEST(DateTimeUtc, OuputDateFrom1979KeepsFarFutureSecondsExact) {
   EXPECT_EQ(out.str(), "");
 }
 
+// The documented examples, in UTC where a clock time is involved.
+TEST(DateTimeUtc, ArithmeticAndCalendarFacts) {
+  ScopedTimeZone utc("UTC");
+  EXPECT_TRUE(DateTime() == DateTime(0) && !DateTime().isFuture());
+  EXPECT_TRUE(DateTime::future().isFuture());
+  EXPECT_FALSE(DateTime(LLONG_MAX - 1).isFuture());
+  EXPECT_EQ(DateTime::future().description(), "DateTime(future)");
+  const DateTime zero(0);
+  EXPECT_EQ(DateTime(-1).daysSince(zero), 0);  // truncated toward zero
+  EXPECT_EQ(DateTime(-86401).daysSince(zero), -1);
+  EXPECT_EQ(DateTime(86399).daysSince(zero), 0);
+  EXPECT_EQ(DateTime(-7199).hoursSince(zero), -1);
+  EXPECT_EQ(DateTime(119).minutesSince(zero), 1);
+  EXPECT_EQ(zero.secondsSince(DateTime(5)), -5);
+  const int kDays[][3] = {{2000, 2, 29}, {1900, 2, 28}, {2004, 2, 29}, {2100, 2, 28},
+                          {2015, 8, 31}, {2015, 9, 30}, {2015, 0, 30}, {2015, 13, 30},
+                          {2015, 14, 31}, {-400, 2, 29}, {-100, 2, 28}, {-4, 2, 29}};
+  for (const auto& [year, month, days] : kDays) {
+    EXPECT_EQ(DateTime::monthDayCount(year, month), days) << year << "-" << month;
+  }
+  const DateTime feb(86400 * 31 + 3661);
+  EXPECT_EQ(feb.description(), "1970/02/01 01:01:01");
+  EXPECT_EQ(feb.monthStart(), DateTime(2678400));
+  EXPECT_EQ(feb.monthLastDate(), DateTime(2678400 + 27 * 86400));
+  EXPECT_EQ(DateTime(1425729600).weekStart(), DateTime(1425168000));  // Saturday -> Sunday
+  EXPECT_EQ(DateTime(1425168000 + 7200).weekStart(), DateTime(1425168000));
+  DateTime t(1000);
+  EXPECT_EQ(t.addSecondsCopy(5), DateTime(1005));
+  EXPECT_EQ(t.addDaysCopy(1), DateTime(1000 + 86400));
+  t.addDays(1);
+  t.addHours(-2);
+  t.addMinuts(3);
+  t.addSeconds(-4);
+  EXPECT_EQ(t, DateTime(1000 + 86400 - 7200 + 180 - 4));
+  EXPECT_EQ(t.gmtOffset(), 0);
+  DateTimeComponents c = feb.components();
+  c.setMonth(1);
+  c.setYear(2015);
+  c.setDay(9);
+  c.setHour(8);
+  c.setMinutes(7);
+  c.setSecond(6);
+  EXPECT_EQ(DateTime(c).description(), "2015/01/09 08:07:06");
+  c.resetTime();
+  EXPECT_EQ(DateTime(c).description(), "2015/01/09 00:00:00");
+  EXPECT_TRUE(c.isSameDay(DateTime(c).components()));
+  c.resetMonthDay();
+  EXPECT_EQ(DateTime(c).description(), "2015/01/01 00:00:00");
+}
+
 // ---- Properties that hold in every zone --------------------------------------
 
 class DateTimeZone : public ::testing::TestWithParam<const char*> {
@@ -125,6 +175,46 @@ TEST_P(DateTimeZone, DescriptionAndComponentsMatchTheCLibrary) {
     ASSERT_EQ(c.isDayLightSavingTime(), expected.tm_isdst > 0);
     ASSERT_EQ(DateTime(c), t) << text;  // from-local inverts to-local
   }
+}
+
+TEST_P(DateTimeZone, CalendarStepsAgreeWithTheCLibrary) {
+  const auto local = [](const DateTime& t) {
+    const time_t value = static_cast<time_t>(t.secSince1970());
+    return *std::localtime(&value);
+  };
+  // Midnight of t's local date, or of day `day` of its month, with t's flag.
+  const auto midnight = [&local](const DateTime& t, int day) {
+    std::tm fields = local(t);
+    fields.tm_hour = fields.tm_min = fields.tm_sec = 0;
+    if (day > 0) fields.tm_mday = day;
+    const long long count = mktime(&fields);
+    return std::make_pair(count, fields);
+  };
+  std::mt19937_64 random(11);
+  for (int i = 0; i < 2000; ++i) {
+    DateTime t(static_cast<long long>(random() % 4000000000ULL));
+    const DateTime other = t.addSecondsCopy(static_cast<long long>(random() % 1000000) - 500000);
+    const auto [day, day_fields] = midnight(t, 0);
+    const long long week = day - day_fields.tm_wday * 86400LL;
+    ASSERT_EQ(t.weekStart(), DateTime(week)) << t.description();
+    ASSERT_EQ(t.isSameWeek(other), other.weekStart() == DateTime(week)) << t.description();
+    const std::tm a = local(t), b = local(other);
+    ASSERT_EQ(t.isSameDay(other), a.tm_year == b.tm_year && a.tm_yday == b.tm_yday);
+    // The month's length is the one of the month the start landed in, which
+    // a kept daylight flag may move back into the month before.
+    auto [month, last_fields] = midnight(t, 1);
+    ASSERT_EQ(t.monthStart(), DateTime(month)) << t.description();
+    ++last_fields.tm_mon;
+    last_fields.tm_mday = 0;  // the day before the next month's first
+    last_fields.tm_hour = 12;
+    mktime(&last_fields);
+    ASSERT_EQ(t.monthLastDate(), DateTime(month + (last_fields.tm_mday - 1) * 86400LL))
+        << t.description();
+  }
+  EXPECT_TRUE(DateTime::now().isToday() || DateTime::now().isYesterday());  // midnight passed
+  EXPECT_TRUE(DateTime::yesterday().isYesterday() || DateTime::yesterday().isToday());
+  EXPECT_FALSE(DateTime::now().addDaysCopy(2).isToday());
+  EXPECT_LE(DateTime::now().secSince1970() - tessel::date::now_time_interval(), 1);
 }
 
 TEST_P(DateTimeZone, AddMonthsRollsOverflowingDaysForward) {

@@ -23,6 +23,23 @@ TEST(FileUtilsPath, SplitsTheFinalComponent) {
   ExpectEach(FileUtils::fileDirFromFilePath,
              {{"dir/sub/name.txt", "dir/sub/"}, {"name.txt", ""}, {"a/b/", "a/b"},
               {"C:\\dir\\x.eml", "C:\\dir\\"}});
+  ExpectEach(FileUtils::fileExtensionFromFilePath,
+             {{"a/b.txt", ".txt"}, {"a/b", ""}, {"a/.profile", ".profile"}, {"n.tar.gz", ".gz"},
+              {"dir.d\\name", ""}, {"a.b c", ""}, {"a.d/name", ".d/name"}, {"", ""}});
+  ExpectEach(FileUtils::mimeTypeFromFileExtension,
+             {{"PNG", "image/png"}, {".html", "text/html"}, {"no-such", "application/octet-stream"},
+              {"", "application/octet-stream"}});
+  const auto formal = [](std::string path, bool slash) {
+    FileUtils::formalizePath(path, slash);
+    return path;
+  };
+  EXPECT_EQ(formal("C:\\dir\\sub", true), "C:/dir/sub/");
+  EXPECT_EQ(formal("a/", true), "a/");
+  EXPECT_EQ(formal("\\a\\", false), "/a/");
+  EXPECT_EQ(formal("", true), "");
+  const std::string tmp = FileUtils::tmpPath("x", "y");
+  EXPECT_EQ(tmp, FileUtils::tmpPath("", ""));
+  EXPECT_TRUE(tmp.back() == '/' && tmp.find('\\') == std::string::npos) << tmp;
 }
 
 using FileUtilsIo = TempDirTest;
@@ -47,7 +64,13 @@ TEST_F(FileUtilsIo, ReadsWholeFiles) {
   EXPECT_EQ(FileUtils::readFile(Make("f", "data"), nullptr), 0);
 }
 
-TEST_F(FileUtilsIo, ReadChunkRefusesBadArgumentsWithAnEmptyResult) {
+TEST_F(FileUtilsIo, ReadsChunksAndRefusesBadArgumentsWithAnEmptyResult) {
+  const std::string data = Pattern(1000), thousand = Make("k", data);
+  std::string chunk = "previous";
+  EXPECT_EQ(FileUtils::readChunkFromFile(thousand, 0, chunk, 512), 512);
+  EXPECT_EQ(chunk, data.substr(0, 512));
+  EXPECT_EQ(FileUtils::readChunkFromFile(thousand, 1, chunk, 512), 488);
+  EXPECT_EQ(chunk, data.substr(512));
   const std::string path = Make("f", Pattern(100));
   const struct {
     std::string path;

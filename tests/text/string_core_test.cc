@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "common/string_utils.h"
+#include "support/table.h"
 
 namespace {
 
@@ -45,6 +46,46 @@ TEST(CaseMapping, EveryByteFollowsTheCLocale) {
   EXPECT_EQ(StringUtils::to_uppercase(all), expected_upper);
   EXPECT_EQ(StringUtils::to_lowercase(all), expected_lower);
   EXPECT_EQ(all, expected_lower);  // changed in place as well
+}
+
+TEST(StringCore, DocumentedExamples) {
+  using test_table::ExpectEach;
+  using test_table::ExpectEach2;
+  ExpectEach<bool>(StringUtils::isNumberString, {{"", false}, {"007", true}, {"-1", false},
+                                                 {"1.0", false}, {" 1", false}});
+  ExpectEach<bool>(StringUtils::string2Bool, {{"1", true}, {"001", true}, {"2", false},
+                                              {"True", true}, {" TRUE!", true}, {"trueish", true},
+                                              {"yes", false}, {"t", false}, {"", false}});
+  ExpectEach<int>([](const std::string& t) { return StringUtils::stringToInt(t, 7); },
+                  {{"abc", 7}, {"99999999999", 7}, {" 42x", 42}, {"  -5", -5}, {"", 7}});
+  ExpectEach2<bool>(StringUtils::hasPrefix, {{"abc", "", true}, {"ab", "abc", false},
+                                             {"abc", "ab", true}, {"abc", "AB", false}});
+  ExpectEach2<bool>(StringUtils::hasSuffix, {{"abc", "bc", true}, {"abc", "BC", false},
+                                             {"c", "bc", false}, {"", "", true}});
+  ExpectEach([](std::string t) { return StringUtils::trim(t); },
+             {{"   ", ""}, {"\tab", "\tab"}, {"ab\n\n", "ab"}, {"ab\t\n", "ab"},
+              {"ab\n\t ", "ab\n"}, {"ab \t\n", "ab "}, {"  a b\r ", "a b\r"}});
+  ExpectEach([](std::string t) { return StringUtils::getEmailDomain(t); },
+             {{"user@", ""}, {"@x", "x"}, {"a@b@c.d", "c.d"}, {"plain", ""}, {"", ""}});
+  const auto replace = [](std::string text, const char* from, const char* to) {
+    return StringUtils::replace_all_distinct(text, from, to);
+  };
+  EXPECT_EQ(replace("a.b.c", ".", ""), "abc");
+  EXPECT_EQ(replace("aaa", "a", "aa"), "aaaaaa");
+  EXPECT_EQ(replace("aabb", "ab", "b"), "abb");
+  EXPECT_EQ(replace("abc", "", "x"), "abc");
+  using Pieces = std::vector<std::string>;
+  ExpectEach2<Pieces>(StringUtils::string_split,
+                      {{"/a//b/", "/", Pieces{"a", "b"}}, {"k=v&x", "&=", Pieces{"k", "v", "x"}},
+                       {"", ",", Pieces{}}, {",,", ",", Pieces{}}, {"a,b", "", Pieces{"a,b"}}});
+  EXPECT_EQ(StringUtils::componentsJoinedByString({"a", "", "b"}, ","), "a,,b");
+  EXPECT_EQ(StringUtils::componentsJoinedByString({"one"}, ", "), "one");
+  EXPECT_EQ(StringUtils::componentsJoinedByString({}, ","), "");
+  const std::string long_text(10000, 'q');
+  EXPECT_EQ(StringUtils::string_format("%s", long_text.c_str()), long_text);
+  const char* empty = "";  // a literal "" draws a format warning
+  EXPECT_EQ(StringUtils::string_format(empty), "");
+  EXPECT_EQ(StringUtils::string_format("%d-%s%c|", 42, "x", 0), "42-x");
 }
 
 // Random strings over the bytes the patterns care about.
