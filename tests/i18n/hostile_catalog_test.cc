@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,8 +15,8 @@
 
 namespace I18N {
 
-// Reads a catalog's index: how far the farthest message sits from the slot
-// its hash points at, which is what a miss may have to probe.
+// Reads a catalog's index: its size, its hash seed, and how far the farthest
+// message sits from the slot its hash points at (what a miss may probe).
 class MOIndexInspector {
  public:
   static size_t LongestProbe(const MO& mo) {
@@ -26,6 +27,8 @@ class MOIndexInspector {
     }
     return longest;
   }
+  static size_t SlotCount(const MO& mo) { return mo.slots.size(); }
+  static uint64_t Seed(const MO& mo) { return mo.seed; }
 };
 
 }  // namespace I18N
@@ -60,10 +63,17 @@ std::vector<unsigned char> SharedRunImage() {
 }
 
 TEST(HostileCatalog, LoadMemoryIsBoundedByTheImage) {
-  const std::vector<unsigned char> plain = BuildImage({{"Open", "Auf"}});
-  if (PeakHeapBytes([&] { FromImage(plain); }) == 0) {
+  std::vector<RawMessage> messages;
+  for (int i = 0; i < 2000; ++i) {
+    messages.push_back({std::string(200, 'k') + std::to_string(i), "t"});
+  }
+  const std::vector<unsigned char> plain = BuildImage(messages);
+  const size_t plainPeak = PeakHeapBytes([&] { FromImage(plain); });
+  if (plainPeak == 0) {
     GTEST_SKIP() << "the heap is counted only under AddressSanitizer or ThreadSanitizer";
   }
+  // A plain catalog is held about once: no key or form is stored twice.
+  EXPECT_LE(plainPeak, plain.size() * 5 / 4);
   const struct {
     const char* what;
     std::vector<unsigned char> image;
@@ -98,6 +108,10 @@ TEST(HostileCatalog, KeysCraftedForTheStandardHashDoNotCluster) {
   const MO mo = FromImage(BuildImage(messages));
   ASSERT_TRUE(mo.getIsInited());
   EXPECT_LE(I18N::MOIndexInspector::LongestProbe(mo), 128u);
+  // No index grown to spread the keys, and a new secret seed for every load.
+  EXPECT_LE(I18N::MOIndexInspector::SlotCount(mo), 4 * kKeys);
+  EXPECT_NE(I18N::MOIndexInspector::Seed(mo),
+            I18N::MOIndexInspector::Seed(FromImage(BuildImage(messages))));
   for (const RawMessage& m : messages) ASSERT_EQ(mo.translate(m.source, ""), m.translation);
   EXPECT_EQ(mo.translate("k-absent", ""), "k-absent");
 }
