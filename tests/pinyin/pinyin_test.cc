@@ -27,6 +27,7 @@ TEST(Pinyin, ConvertsWordsToSyllablesAndInitials) {
   } kWords[] = {
       {L"中国", "ZhongGuo", "ZG"}, {L"长城", "ZhangCheng", "ZC"}, {L"我的", "WoDi", "WD"},
       {L"上海市", "ShangHaiShi", "SHS"}, {L"〇", "Ling", "L"}, {L"", "", ""},
+      {L"中\u3008国", "Zhong#Guo", "Z#G"},  // inside the table's range, in no row
   };
   for (const auto& word : kWords) {
     EXPECT_EQ(Pinyin(word.text), word.pinyin);
