@@ -1,5 +1,6 @@
 // What needs Linux to observe: a sleeping loop's wake-ups, the memory of
-// pending delayed tasks, and a native poll loop driving the UI loop.
+// pending delayed tasks, a native poll loop driving the UI loop, and the
+// system's copy of a thread's name.
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <poll.h>
@@ -61,6 +62,21 @@ TEST(DelayedTasks, LoopSleepsUntilTheEarliestDeadlineWithoutPolling) {
   // locks add a few more): a loop that polled even every 20 ms would have
   // blocked and woken at least twenty times meanwhile.
   EXPECT_LE(BlockedCount(worker) - before, 10);
+}
+
+// Linux keeps 15 bytes of a name; a character straddling them goes whole.
+TEST(ThreadName, SystemCopyEndsOnACharacterBoundary) {
+  base::Thread thread("abcdefghijklmn\xC3\xA9-more");
+  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options()));
+  std::promise<std::string> name;
+  thread.task_runner()->PostTask(FROM_HERE, [&name] {
+    char buffer[16] = {};
+    pthread_getname_np(pthread_self(), buffer, sizeof buffer);
+    name.set_value(buffer);
+  });
+  auto seen = name.get_future();
+  ReadyOrAbort(seen, "a task on the named thread");
+  EXPECT_EQ(seen.get(), "abcdefghijklmn");
 }
 
 // Bytes the C library's allocator has handed out, large mappings included.
