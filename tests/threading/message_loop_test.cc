@@ -124,6 +124,17 @@ TEST(Thread, StopEndsNestedRunsToo) {
   ReadyOrAbort(stopped, "a stop while a nested Run() waits");
 }
 
+// A stray Quit() ends one Run(), not the thread: a task due later still runs.
+TEST(Thread, StrayQuitLeavesTheThreadRunning) {
+  base::Thread thread("stray-quit");
+  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options()));
+  std::promise<void> later;
+  thread.task_runner()->PostTask(FROM_HERE, [] { base::MessageLoop::current()->Quit(); });
+  thread.task_runner()->PostDelayedTask(
+      FROM_HERE, [&later] { later.set_value(); }, std::chrono::milliseconds(50));
+  ReadyOrAbort(later.get_future(), "a task due after a stray Quit()");
+}
+
 TEST(Thread, LoopExistsWhenStartReturnsAndCarriesTheName) {
   base::Thread thread("worker-1");
   EXPECT_EQ(thread.message_loop(), nullptr);

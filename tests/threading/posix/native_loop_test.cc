@@ -1,5 +1,5 @@
 // What needs Linux to observe: a sleeping loop's wake-ups, the memory of
-// pending delayed tasks, and a native poll loop driving the UI loop.
+// queued and delayed tasks, a native poll loop, a thread's system name.
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <poll.h>
@@ -63,6 +63,21 @@ TEST(DelayedTasks, LoopSleepsUntilTheEarliestDeadlineWithoutPolling) {
   EXPECT_LE(BlockedCount(worker) - before, 10);
 }
 
+// Linux keeps 15 bytes of a name; a character straddling them goes whole.
+TEST(ThreadName, SystemCopyEndsOnACharacterBoundary) {
+  base::Thread thread("abcdefghijklmn\xC3\xA9-more");
+  ASSERT_TRUE(thread.StartWithOptions(base::Thread::Options()));
+  std::promise<std::string> name;
+  thread.task_runner()->PostTask(FROM_HERE, [&name] {
+    char buffer[16] = {};
+    pthread_getname_np(pthread_self(), buffer, sizeof buffer);
+    name.set_value(buffer);
+  });
+  auto seen = name.get_future();
+  ReadyOrAbort(seen, "a task on the named thread");
+  EXPECT_EQ(seen.get(), "abcdefghijklmn");
+}
+
 // Bytes the C library's allocator has handed out, large mappings included.
 std::size_t HeapInUse() {
   const struct mallinfo2 info = mallinfo2();
@@ -95,6 +110,16 @@ TEST(DelayedTasks, HundredThousandPendingCostFewMegabytesAndDieUnrun) {
   EXPECT_EQ(token.use_count(), 1);
 }
 
+TEST(DelayedTasks, HeapStorageGoesBackOnceDrained) {
+  base::MessageLoop loop;
+  const std::size_t before = HeapInUse();
+  for (int i = 0; i < 100000; ++i) loop.PostDelayedTask(FROM_HERE, [] {}, 1ns);
+  const std::size_t pending = HeapInUse();
+  while (loop.TimeUntilNextDelayedTask()) loop.RunUntilIdle();
+  if (pending <= before) GTEST_SKIP() << "the allocator's figures are not available here";
+  EXPECT_LT(HeapInUse() - std::min(before, HeapInUse()), (pending - before) / 20);
+}
+
 TEST(TaskQueue, BurstMemoryGoesBackOnceDrained) {
   constexpr int kBurst = 200000;
   base::Thread thread("burst");
@@ -105,6 +130,8 @@ TEST(TaskQueue, BurstMemoryGoesBackOnceDrained) {
   const std::size_t before = HeapInUse();
   for (int i = 0; i < kBurst; ++i) runner->PostTask(FROM_HERE, [] {});
   const std::size_t queued = HeapInUse();
+  EXPECT_LT(queued - std::min(before, queued), (sizeof(base::Closure) + 16) * kBurst)
+      << "bytes per queued task: a slot each, and little else";
   std::promise<void> drained;
   runner->PostTask(FROM_HERE, [&] { drained.set_value(); });
   gate.set_value();
