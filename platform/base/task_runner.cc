@@ -1,13 +1,15 @@
 #include "platform/base/task_runner.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace base {
 
 namespace {
 
 constexpr std::chrono::nanoseconds kLongestDelay = std::chrono::hours(24 * 365 * 100);
-// Above this many slots an idle loop lets the delayed heap's storage go.
+// Above this many slots, an idle loop gives back the delayed heap's storage
+// that is three quarters unused.
 constexpr std::size_t kKeptDelayedSlots = 1024;
 // Spare queue chunks an idle loop keeps; the rest go once it has been idle
 // for kTrimAfter, so back-to-back bursts reuse their memory.
@@ -125,7 +127,16 @@ void TaskRunner::MoveDueTasksLocked(Clock::time_point now) {
 }
 
 void TaskRunner::GiveBackIdleStorageLocked(std::vector<DelayedTask>& spare) {
-  if (delayed_.empty() && delayed_.capacity() > kKeptDelayedSlots) spare.swap(delayed_);
+  if (delayed_.capacity() <= kKeptDelayedSlots || delayed_.size() * 4 > delayed_.capacity()) {
+    return;
+  }
+  // Moving the elements in order keeps the heap a heap; each element moves
+  // at most once per halving, so the copying is paid for by the burst.
+  std::vector<DelayedTask> smaller;
+  smaller.reserve(delayed_.size() * 2);
+  std::move(delayed_.begin(), delayed_.end(), std::back_inserter(smaller));
+  spare.swap(delayed_);
+  delayed_.swap(smaller);
 }
 
 bool TaskRunner::CloseIfIdle(std::vector<DelayedTask>& future_tasks) {

@@ -81,8 +81,9 @@ class TaskRunner : public std::enable_shared_from_this<TaskRunner> {
   bool CloseIfIdle(std::vector<DelayedTask>& future_tasks);
   // Moves the due delayed tasks to `queue_`. Needs mutex_.
   void MoveDueTasksLocked(Clock::time_point now);
-  // Lets the delayed heap's storage go once it is empty, so a quiet loop
-  // holds little memory after a burst. Needs mutex_; the caller frees `spare`.
+  // Shrinks the delayed heap's storage once it is mostly unused, so a loop
+  // holds little memory after a burst even while some tasks stay pending.
+  // Needs mutex_; the caller frees `spare`.
   void GiveBackIdleStorageLocked(std::vector<DelayedTask>& spare);
   static bool RunsLater(const DelayedTask& a, const DelayedTask& b);
   // Applies `change` under the lock and wakes the loop's thread if it sleeps.
