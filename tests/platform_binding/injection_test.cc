@@ -4,6 +4,8 @@
 #include <stdexcept>
 
 #include "common/global_native_imp_holder.h"
+#include "common/imp_win/generic_file_manager.h"
+#include "common/imp_win/generic_timer.h"
 #include "common/singleton.h"
 #include "common/util_entrance.h"
 
@@ -33,32 +35,9 @@ class MockFactory : public tessel_gen::PlatformThreadFactory {
   MOCK_METHOD(std::shared_ptr<tessel_gen::PlatformThread>, current_thread, (), (override));
 };
 
-class NullTimer : public tessel_gen::PlatformTimer {
- public:
-  int CreateTimer(double, bool, std::function<void()>) override { return 0; }
-  void InvalidateTimer(int) override {}
-};
-
-class NullFileManager : public tessel_gen::PlatformFileManager {
- public:
-  bool MakeDir(const std::string&) override { return false; }
-  bool IsPathDir(const std::string&) override { return false; }
-  bool IsFileExist(const std::string&) override { return false; }
-  int64_t GetFileSize(const std::string&) override { return 0; }
-  int64_t GetFileCreateTime(const std::string&) override { return 0; }
-  int64_t GetFileModifyTime(const std::string&) override { return 0; }
-  bool DeleteTheFile(const std::string&) override { return false; }
-  bool DeleteDirectory(const std::string&) override { return false; }
-  bool MoveTheFile(const std::string&, const std::string&) override { return false; }
-  bool CopyTheFile(const std::string&, const std::string&) override { return false; }
-  std::vector<std::shared_ptr<tessel_gen::PlatformFileInfo>> ListContensAtPath(
-      const std::string&) override {
-    return {};
-  }
-  std::string HomeDir() override { return {}; }
-  std::string LogDir() override { return {}; }
-  std::string TempDir() override { return {}; }
-};
+// Stand-ins whose identity is all that matters here.
+using NullTimer = tessel::GenericTImer;
+using NullFileManager = tessel::GenericFileManager;
 
 std::shared_ptr<tessel::GlobalNativeImpHolder> Holder() {
   return tessel::Singleton<tessel::GlobalNativeImpHolder>::sharedInstance(false);
