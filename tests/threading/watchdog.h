@@ -10,7 +10,7 @@
 
 namespace threading_test {
 
-constexpr std::chrono::seconds kWatchdog{20};
+constexpr std::chrono::seconds kWatchdog{60};
 
 // True when `future` becomes ready within the watchdog's bound.
 template <typename T>
