@@ -64,7 +64,7 @@ TEST(StringCore, DocumentedExamples) {
               !StringUtils::hasSuffix("c", "bc"));
   ExpectEach([](std::string t) { return StringUtils::trim(t); },
              {{"   ", ""}, {"\tab", "\tab"}, {"ab\n\n", "ab"}, {"ab\t\n", "ab"},
-              {"ab\n\t ", "ab\n"}, {"ab \t\n", "ab "}, {"  a b\r ", "a b\r"}});
+              {"ab\n\t ", "ab\n"}, {"ab \t\n", "ab "}, {"ab\n ", "ab"}, {"  a b\r ", "a b\r"}});
   ExpectEach([](std::string t) { return StringUtils::getEmailDomain(t); },
              {{"user@", ""}, {"@x", "x"}, {"a@b@c.d", "c.d"}, {"plain", ""}, {"", ""}});
   const auto replace = [](std::string text, const char* from, const char* to) {
