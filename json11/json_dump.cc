@@ -95,7 +95,6 @@ char* WriteShortPlain(const std::string& text, char* out) {
 }
 
 void Quote(const std::string& value, std::string& out) {
-  constexpr const char* kHexDigits = tessel_platform::kLowerHexDigits;
   out.push_back('"');
   const char* const end = value.data() + value.size();
   const char* run = value.data();
@@ -116,7 +115,8 @@ void Quote(const std::string& value, std::string& out) {
         out.append(escape, 2);
         ++p;
       } else {
-        const char escape[6] = {'\\', 'u', '0', '0', kHexDigits[c >> 4], kHexDigits[c & 0xF]};
+        char escape[6] = {'\\', 'u', '0', '0'};
+        tessel_platform::WriteHexByte(c, tessel_platform::kLowerHexDigits, escape + 4);
         out.append(escape, 6);
         ++p;
       }
@@ -204,7 +204,7 @@ class PendingText {
 // elements are written in a loop of their own until a nested container opens.
 class TreeWriter {
  public:
-  explicit TreeWriter(std::string& out) : pending_(out) { open_.reserve(8); }
+  explicit TreeWriter(std::string& out) : pending_(out) {}
 
   // Writes the whole of items (then call Finish).
   template <typename Items>
