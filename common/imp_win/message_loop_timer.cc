@@ -70,7 +70,9 @@ class MessageLoopTimer::Core {
     bool wake;
     {
       std::lock_guard<std::mutex> lock(mutex_);
-      if (closed_ || !runner_) {
+      // A closed loop may have destroyed the pending wake unrun, so a tick
+      // due after it would never be woken for.
+      if (closed_ || !runner_ || runner_->closed()) {
         callback = nullptr;
         return 0;
       }

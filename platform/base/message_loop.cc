@@ -69,7 +69,8 @@ void MessageLoop::PostDelayedTask(const tracked_objects::Location& from_here, Cl
 
 void MessageLoop::Run() { RunTasks(TaskRunner::Wait::kSleep, true); }
 
-void MessageLoop::RunUntilIdle() { RunTasks(TaskRunner::Wait::kDontSleep, true); }
+// A pending Quit() is left for the Run() it was meant for.
+void MessageLoop::RunUntilIdle() { RunTasks(TaskRunner::Wait::kDontSleep, false); }
 
 void MessageLoop::Quit() { runner_->AskQuit(); }
 

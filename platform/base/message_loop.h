@@ -80,7 +80,8 @@ class MessageLoop {
   // or the owning thread's stop. Call on the loop's thread only.
   void Run();
   // Runs the tasks that may run now, and those they post, until none is
-  // left; never sleeps. Call on the loop's thread only.
+  // left; never sleeps, and leaves a pending Quit() to the next Run(). Call
+  // on the loop's thread only.
   void RunUntilIdle();
   // Makes the innermost Run() return after the task in progress; tasks left
   // in the queue stay there. Callable from any thread.

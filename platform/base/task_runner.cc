@@ -68,6 +68,11 @@ bool TaskRunner::RunsTasksOnCurrentThread() const {
   return owner_ == std::this_thread::get_id();
 }
 
+bool TaskRunner::closed() const {
+  std::lock_guard<std::mutex> lock(mutex_);
+  return closed_;
+}
+
 void TaskRunner::WakeUp(bool wake_loop, Hook hook) {
   // The loop may run the new task, end and drop its reference before this
   // thread gets to notify.

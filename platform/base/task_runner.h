@@ -50,6 +50,9 @@ class TaskRunner : public std::enable_shared_from_this<TaskRunner> {
                        std::chrono::nanoseconds delay);
   // True on the thread that runs the loop (the one that constructed it).
   bool RunsTasksOnCurrentThread() const;
+  // True once the loop has closed after its final drain: every post fails
+  // from then on. Callable from any thread.
+  bool closed() const;
 
   // The loop's thread name, fixed at construction.
   const std::string& thread_name() const { return thread_name_; }

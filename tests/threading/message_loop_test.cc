@@ -33,8 +33,10 @@ TEST(MessageLoop, QuitStopsRunAfterTheTaskInProgressAndKeepsTheRest) {
   loop.PostTask(FROM_HERE, base::Bind(&Append, &ran, 3));
   loop.Run();
   EXPECT_EQ(ran, (std::vector<int>{1, 2}));
+  loop.Quit();  // for the next Run(): a native loop's RunUntilIdle() leaves it
   loop.RunUntilIdle();
   EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
+  EXPECT_TRUE(threading_test::RunGuarded(loop));  // returns at once
   // QuitWhenIdle runs tasks posted by tasks first.
   loop.QuitWhenIdle();
   loop.PostTask(FROM_HERE, [&] {
